@@ -1,0 +1,41 @@
+# The project's commands. Each installs what is missing (Debian 12, as root) and can be run again in seconds.
+.DEFAULT_GOAL := help
+.PHONY: help setup configure build run test bench check clean
+
+BUILD := build/release
+JOBS := $(shell nproc)
+
+help: ## show these commands
+	@grep -hE '^[a-z]+:.*##' $(MAKEFILE_LIST) | sed -E 's/^([a-z]+):.*## /  make \1\t/' | expand -t 18
+
+setup:
+	@tools/setup.sh
+
+configure: setup
+	@if [ ! -f $(BUILD)/build.ninja ]; then echo "== configuring $(BUILD)"; cmake --preset release > $(BUILD).log || { cat $(BUILD).log; exit 1; }; fi
+
+build: configure ## build/release/VelUI.dll and velhost.exe
+	@echo "== building the module and its host program"
+	@cmake --build --preset release -j $(JOBS) --target VelUI velhost
+	@ls -l $(BUILD)/VelUI.dll $(BUILD)/velhost.exe
+
+run: build ## install the driver into a Wine spooler and ask it for the printer's capabilities
+	@tools/run.sh
+
+test: configure ## build everything and run all tests
+	@echo "== building the module, the host program and the tests"
+	@cmake --build --preset release -j $(JOBS)
+	@tools/test.sh
+
+bench: configure ## measure against the floor
+	@cmake --build --preset release -j $(JOBS) --target velbench VelUI
+	@cd $(BUILD) && ../../tools/wine.sh --session ../../tools/wine.sh velbench.exe
+
+check: ## format, static analysis, drift
+	@tools/setup.sh check
+	@$(MAKE) --no-print-directory configure
+	@tools/check.sh
+
+clean: ## remove build/ (the cached log4cpp archive stays)
+	@[ ! -d build/wine ] || tools/wine.sh --stop
+	@rm -rf build

@@ -1,0 +1,39 @@
+#!/bin/bash
+# Format, static analysis for the target, and drift that a script can see. Ends with 1 when anything was found.
+set -uo pipefail
+cd "$(dirname "$0")/.."
+status=0
+fail() { echo "check: $*" >&2; status=1; }
+mapfile -t sources < <(git ls-files --cached --others --exclude-standard '*.cpp' '*.h')
+
+echo "== clang-format ($(clang-format-14 --version | grep -o '[0-9.]*' | head -1)), ${#sources[@]} files"
+clang-format-14 --dry-run -Werror "${sources[@]}" || fail "format differs: clang-format-14 -i FILE"
+
+echo "== drift"
+# System headers are written in lower case, so that the tree builds on a file system that tells cases apart.
+grep -nE '#include <[^>]*[A-Z][^>]*>' "${sources[@]}" | grep -vE '<CLI/|<log4cpp/' && fail "mixed-case include"
+for file in "${sources[@]}"; do
+    lines=$(wc -l <"$file")
+    [ "$lines" -le 600 ] || fail "$file has $lines lines: split it"
+done
+# Dependencies point down: driver, ui, settings, state, support; everything may use diag; diag and support use neither.
+upward() {
+    local from=$1 to=$2
+    grep -nE "#include \"($to)/" $(git ls-files --cached --others --exclude-standard "$from/*.cpp" "$from/*.h") /dev/null &&
+        fail "$from/ must not include $to/"
+}
+upward ui 'driver'
+upward settings 'driver|ui'
+upward state 'driver|ui|settings'
+upward diag 'driver|ui|settings|state|support|tools|tests'
+upward support 'driver|ui|settings|state|tools|tests'
+
+echo "== cppcheck"
+own=$(git ls-files --cached --others --exclude-standard 'driver/*.cpp' 'ui/*.cpp' 'settings/*.cpp' 'state/*.cpp' 'diag/*.cpp' 'support/*.cpp' 'tools/*.cpp')
+cppcheck --quiet --error-exitcode=1 --platform=win64 --library=windows --std=c++17 --language=c++ \
+    --enable=warning,performance,portability --inline-suppr -I . -j "$(nproc)" \
+    -D_WIN32 -DUNICODE -D_WIN32_WINNT=0x0601 \
+    --suppress=missingIncludeSystem $own || fail "cppcheck found something"
+
+[ $status = 0 ] && echo "check: nothing found"
+exit $status

@@ -1,0 +1,70 @@
+#!/bin/sh
+# Runs a program of the target under Wine, with everything that Wine keeps below build/: its prefix, its home folder and
+# its caches.
+#
+#   tools/wine.sh PROGRAM [ARGUMENTS]       runs a program
+#   tools/wine.sh --session COMMAND [...]   runs a command of the host while one Wine session stands, so that the programs
+#                                           it runs start in a few hundredths of a second; ends the session with it
+#   tools/wine.sh --stop                    ends what runs in the prefix
+#
+# VELUI_WINEPREFIX names another prefix. VELUI_LOCALE=zh_CN.UTF-8 gives code page 936; the default is 1252.
+root=$(cd "$(dirname "$0")/.." && pwd)
+build=$root/build
+mkdir -p "$build/home"
+
+export WINEPREFIX="${VELUI_WINEPREFIX:-$build/wine}"
+export WINEARCH=win64
+export HOME="$build/home" XDG_CACHE_HOME="$build/home/.cache" XDG_CONFIG_HOME="$build/home/.config" \
+    XDG_DATA_HOME="$build/home/.local/share"
+export WINEDEBUG="${WINEDEBUG:--all}"
+# A crash must end the process with its code: the debugger would sometimes turn it into a 0, or wait in a dialog.
+export WINEDLLOVERRIDES="winedbg.exe,winemenubuilder.exe,mscoree,mshtml=d"
+export LOCPATH="$build/locale"
+export LC_ALL="${VELUI_LOCALE:-C.UTF-8}"
+[ "$LC_ALL" = C.UTF-8 ] && unset LOCPATH
+
+if [ "$1" = --stop ]; then
+    [ -d "$WINEPREFIX" ] && wineserver -k 2>/dev/null
+    exit 0
+fi
+if [ ! -f "$WINEPREFIX/.ready" ]; then
+    mkdir -p "$WINEPREFIX"
+    (
+        flock 9
+        if [ ! -f "$WINEPREFIX/.ready" ]; then
+            echo "== making the Wine prefix in $WINEPREFIX (about 10 s)" >&2
+            wine wineboot -i >"$WINEPREFIX.log" 2>&1 || { cat "$WINEPREFIX.log" >&2; exit 1; }
+            wineserver -w
+            touch "$WINEPREFIX/.ready"
+        fi
+    ) 9>"$WINEPREFIX.lock" || exit 1
+fi
+if [ "$1" = --session ]; then
+    shift
+    # The session lives as long as one program in it: a command interpreter that waits for its input. The platform's
+    # services start with it, once and not for each program again.
+    fifo=$build/session.$$
+    mkfifo "$fifo"
+    wine cmd.exe <"$fifo" >/dev/null 2>&1 &
+    exec 8>"$fifo"
+    rm -f "$fifo"
+    wine cmd.exe /c exit </dev/null >/dev/null 2>&1 8>&-
+    "$@" 8>&-
+    status=$?
+    exec 8>&-
+    wineserver -k 2>/dev/null
+    wineserver -w 2>/dev/null
+    exit $status
+fi
+if [ -t 1 ]; then
+    exec wine "$@"
+fi
+# Whatever background process of the platform the program is the first to need (its desktop, say) inherits the program's
+# output and outlives it. A reader of a pipe would wait for that process too; a file has no reader that waits.
+output=$(mktemp "$build/output.XXXXXX")
+wine "$@" >"$output" 2>"$output.err"
+status=$?
+cat "$output"
+cat "$output.err" >&2
+rm -f "$output" "$output.err"
+exit $status
