@@ -1,0 +1,93 @@
+#include "state/FileLocker.h"
+
+#include "diag/LogSite.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cwchar>
+#include <new>
+#include <stdexcept>
+
+VELUI_SOURCE_MODULE(".\\FileLocker");
+
+namespace VelUtility
+{
+
+namespace
+{
+
+constexpr size_t kPathUnits = 260;
+
+[[noreturn]] void ThrowLockerFailure()
+{
+    throw std::runtime_error("CFileLocker");
+}
+
+} // namespace
+
+CFileLocker::CFileLocker(const wchar_t* szFilename) noexcept : bFailed(0), pMutex(nullptr)
+{
+    TRACE_FUNCTION("VelUtility::CFileLocker::CFileLocker");
+    try
+    {
+        if (szFilename == nullptr)
+        {
+            LOG_ERROR("szFilename = 0x%08X", LowBits(szFilename));
+            bFailed = 1;
+            ThrowLockerFailure();
+        }
+        wchar_t szName[kPathUnits] = {};
+        // A path that does not fit leaves the name empty.
+        if (_wfullpath(szName, szFilename, kPathUnits) == nullptr)
+        {
+            szName[0] = L'\0';
+        }
+        _wcslwr(szName);
+        std::replace(szName, szName + wcslen(szName), L'\\', L'|');
+        if (szName[0] == L'\0')
+        {
+            LOG_ERROR("szName = %S", szName);
+            ThrowLockerFailure();
+        }
+        pMutex.reset(new (std::nothrow) CBaseMutex(FALSE, szName));
+    }
+    catch (...)
+    {
+        bFailed = 1;
+        pMutex = nullptr;
+    }
+}
+
+CFileLocker::~CFileLocker()
+{
+    TRACE_FUNCTION("VelUtility::CFileLocker::~CFileLocker");
+    pMutex.reset();
+    bFailed = 1;
+}
+
+BOOL CFileLocker::Lock(DWORD dwMilliseconds)
+{
+    TRACE_FUNCTION("VelUtility::CFileLocker::Lock");
+    return pMutex ? pMutex->Lock(dwMilliseconds) : 0;
+}
+
+BOOL CFileLocker::Unlock()
+{
+    TRACE_FUNCTION("VelUtility::CFileLocker::Unlock");
+    return pMutex ? pMutex->Unlock() : 0;
+}
+
+CScopeFileLock::CScopeFileLock(const wchar_t* pszPath) : m_locker(pszPath)
+{
+    TRACE_FUNCTION("VelUtility::CScopeFileLock::CScopeFileLock");
+    // The result isn't looked at: a lock that can't be had never stops the work that it guards.
+    m_locker.Lock(INFINITE);
+}
+
+CScopeFileLock::~CScopeFileLock()
+{
+    TRACE_FUNCTION("VelUtility::CScopeFileLock::~CScopeFileLock");
+    m_locker.Unlock();
+}
+
+} // namespace VelUtility

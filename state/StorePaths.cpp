@@ -1,0 +1,72 @@
+#include "state/StorePaths.h"
+
+#include "diag/LogSite.h"
+#include "state/PsFolder.h"
+#include "state/StoreTypes.h"
+
+#include <cstdlib>
+#include <cwchar>
+
+VELUI_SOURCE_MODULE(".\\ClientInfo");
+
+namespace VelUtility
+{
+
+namespace
+{
+
+/// Joins a name with one of the client's folders.
+bool MakeClientPath(FolderId iFolderId, unsigned __int64 uiSize, const wchar_t* pszName, wchar_t* szPath)
+{
+    wchar_t szFolder[kFolderUnits] = {};
+    if (GetClientFolder(iFolderId, szFolder, uiSize) != PSERR_OK)
+    {
+        LOG_ERROR_WORDS("GetClientFolder failed.");
+        return false;
+    }
+    JoinPath(szPath, szFolder, pszName);
+    return true;
+}
+
+} // namespace
+
+void JoinPath(wchar_t* szPath, const wchar_t* pszFolder, const wchar_t* pszFileName)
+{
+    _wmakepath_s(szPath, kStorePathUnits, nullptr, pszFolder, pszFileName, nullptr);
+}
+
+bool MakePersonalFilePath(const wchar_t* szFileName, wchar_t* szPath)
+{
+    TRACE_FUNCTION("VelUtility::MakePersonalFilePath");
+    wchar_t szUserName[kUserNameUnits] = {};
+    wchar_t szDomainName[kDomainNameUnits] = {};
+    if (GetCurrentUsername(szUserName, szDomainName) == 0)
+    {
+        LOG_ERROR_WORDS("GetCurrentUsername failed.");
+        return false;
+    }
+    wchar_t szName[kStoreNameUnits] = {};
+    _snwprintf_s(szName, kStoreNameUnits, _TRUNCATE, L"%ls@%ls_%ls", szUserName, szDomainName, szFileName);
+    return MakeClientPath(kClientDataDir, kDataDirSize, szName, szPath);
+}
+
+bool MakeUserMessageFilePath(const wchar_t* szFileName, std::wstring strUser, wchar_t* szPath)
+{
+    TRACE_FUNCTION("VelUtility::MakeUserMessageFilePath");
+    wchar_t szName[kStoreNameUnits] = {};
+    _snwprintf_s(szName, kStoreNameUnits, _TRUNCATE, L"%ls_%ls", strUser.c_str(), szFileName);
+    return MakeClientPath(kClientDataDir, kDataDirSize, szName, szPath);
+}
+
+bool MakeServerFilePath(const wchar_t* szFileName, wchar_t* szPath)
+{
+    TRACE_FUNCTION("VelUtility::MakeServerFilePath");
+    return MakeClientPath(kClientDataDir, kDataDirSize, szFileName, szPath);
+}
+
+bool MakeConfigFilePath(wchar_t* szPath)
+{
+    return MakeClientPath(kClientTempDir, kTempDirSize, L"Config.ini", szPath);
+}
+
+} // namespace VelUtility

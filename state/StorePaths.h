@@ -1,0 +1,40 @@
+#pragma once
+
+#include "state/CurrentUser.h"
+
+#include <string>
+
+namespace VelUtility
+{
+
+/// Room for a formed file name and for a joined path, in wide characters. Names that fit the platform's 260 are the
+/// rule; the room is wider so that the longest user and domain lose nothing on the way to the platform's own refusal.
+inline constexpr size_t kStoreNameUnits = kUserNameUnits + kDomainNameUnits + 260;
+inline constexpr size_t kStorePathUnits = 260 + kStoreNameUnits;
+
+/// The store's folder calls, with the sizes that they have always been called with.
+inline constexpr unsigned __int64 kDataDirSize = 260;
+inline constexpr unsigned __int64 kTempDirSize = 256;
+
+/// Joins folder and file name, with a backslash between them where the folder doesn't end in one.
+/// @param szPath [out] kStorePathUnits wide characters.
+void JoinPath(wchar_t* szPath, const wchar_t* pszFolder, const wchar_t* pszFileName);
+
+/// The path of a file of the current user: "user@domain_name" in the client's DataDir.
+/// @param szPath [out] kStorePathUnits wide characters; untouched on failure.
+/// @return whether the path was made.
+bool MakePersonalFilePath(const wchar_t* szFileName, wchar_t* szPath);
+
+/// The path of a message file: "user_name" in the client's DataDir, for the user given and not the current one.
+bool MakeUserMessageFilePath(const wchar_t* szFileName, std::wstring strUser, wchar_t* szPath);
+
+/// The path of a file of the machine in the client's DataDir.
+bool MakeServerFilePath(const wchar_t* szFileName, wchar_t* szPath);
+
+/// The path of Config.ini, which all users share, in the client's TempDir. Like JoinPath a step of its caller: it runs,
+/// and logs, in the caller's trace scope.
+/// @param szPath [out] kStorePathUnits wide characters; untouched on failure.
+/// @return whether the path was made.
+bool MakeConfigFilePath(wchar_t* szPath);
+
+} // namespace VelUtility
