@@ -1,0 +1,87 @@
+/// velhost: plays the spooler and the application around a printer interface module.
+
+#include <windows.h>
+
+#include "tools/velhost/CommandError.h"
+#include "tools/velhost/Commands.h"
+#include "tools/velhost/Output.h"
+#include "tools/velhost/Utf8.h"
+
+#include <exception>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace
+{
+
+using AddCommand = void (*)(CLI::App& program, int& iExitCode);
+
+const AddCommand kCommands[] = {
+    &VelHost::AddInstallCommand, &VelHost::AddUninstallCommand, &VelHost::AddCapsCommand,
+    &VelHost::AddSplCapsCommand, &VelHost::AddConvertCommand,   &VelHost::AddSnapshotCommand,
+};
+
+/// @return the message on one line.
+std::string OneLine(std::string strText)
+{
+    for (char& ch : strText)
+    {
+        ch = ch == '\n' || ch == '\r' ? ' ' : ch;
+    }
+    return strText;
+}
+
+int Run(std::vector<std::string> arguments)
+{
+    int iExitCode = VelHost::kExitGood;
+    CLI::App program("Installs a printer whose interface module is VelUI, and calls the module as the spooler and\n"
+                     "applications do.",
+                     "velhost");
+    program.require_subcommand(1);
+    // A path may begin with '/'.
+    program.allow_windows_style_options(false);
+    for (const AddCommand addCommand : kCommands)
+    {
+        addCommand(program, iExitCode);
+    }
+
+    std::vector<char*> argv;
+    for (std::string& strArgument : arguments)
+    {
+        argv.push_back(strArgument.data());
+    }
+    try
+    {
+        program.parse(static_cast<int>(argv.size()), argv.data());
+    }
+    catch (const CLI::ParseError& error)
+    {
+        if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success))
+        {
+            VelHost::Print(program.help());
+            return VelHost::kExitGood;
+        }
+        const bool bUnknown = program.get_subcommands().empty() && arguments.size() > 1 && arguments[1][0] != '-';
+        const std::string strWhat = bUnknown ? "there is no command \"" + arguments[1] + "\"" : OneLine(error.what());
+        VelHost::PrintError(strWhat + " (velhost --help tells more)");
+        return VelHost::kExitUsage;
+    }
+    return iExitCode;
+}
+
+} // namespace
+
+int main()
+{
+    VelHost::PrepareOutput();
+    try
+    {
+        return Run(VelHost::CommandLineUtf8());
+    }
+    catch (const std::exception& error)
+    {
+        VelHost::PrintError(OneLine(error.what()));
+        return VelHost::kExitFailed;
+    }
+}
