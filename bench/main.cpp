@@ -1,0 +1,134 @@
+// Measures the module against the floor. Every figure is a ratio taken in one run.
+
+#include "bench/Measure.h"
+#include "bench/floors/CapsFloor.h"
+#include "diag/LogSite.h"
+#include "support/PrinterInterface.h"
+
+#include <cstdio>
+#include <vector>
+
+namespace
+{
+
+std::wstring Beside(const wchar_t* pszName)
+{
+    wchar_t szPath[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, szPath, MAX_PATH);
+    const std::wstring strPath = szPath;
+    return strPath.substr(0, strPath.rfind(L'\\') + 1) + pszName;
+}
+
+/// A registry view whose client has the sample printer: TempDir is the folder beside the program that holds it.
+class BenchClient
+{
+public:
+    BenchClient()
+    {
+        RegCreateKeyExW(HKEY_CURRENT_USER, kRoot, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &m_hRoot, nullptr);
+        HKEY hClient = nullptr;
+        RegCreateKeyExW(m_hRoot, L"Software\\Vel-soft\\Client", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &hClient,
+                        nullptr);
+        const std::wstring strFolder = Beside(L"sample");
+        RegSetValueExW(hClient, L"TempDir", 0, REG_SZ, reinterpret_cast<const BYTE*>(strFolder.c_str()),
+                       static_cast<DWORD>((strFolder.size() + 1) * sizeof(wchar_t)));
+        RegCloseKey(hClient);
+        RegOverridePredefKey(HKEY_LOCAL_MACHINE, m_hRoot);
+    }
+    ~BenchClient()
+    {
+        RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
+        RegCloseKey(m_hRoot);
+        RegDeleteTreeW(HKEY_CURRENT_USER, kRoot);
+    }
+
+private:
+    static constexpr wchar_t kRoot[] = L"Software\\VelUIBench";
+    HKEY m_hRoot = nullptr;
+};
+
+void KeepLoop()
+{
+    __asm__ volatile("" ::: "memory");
+}
+
+} // namespace
+
+int main()
+{
+    const BenchClient client;
+    const HMODULE hModule = LoadLibraryW(Beside(L"VelUI.dll").c_str());
+    const auto pfnCaps = reinterpret_cast<decltype(&DrvDeviceCapabilities)>(
+        reinterpret_cast<void*>(hModule != nullptr ? GetProcAddress(hModule, "DrvDeviceCapabilities") : nullptr));
+    if (pfnCaps == nullptr)
+    {
+        std::printf("velbench: VelUI.dll beside the program can't be loaded\n");
+        return 1;
+    }
+
+    std::vector<Measurement> measurements;
+    // The floor of a disabled predicate and scope is an empty loop, so these rows are read by their difference.
+    const Loop empty = [](int iCalls) {
+        for (int i = 0; i < iCalls; ++i)
+        {
+            KeepLoop();
+        }
+    };
+    measurements.push_back(Measure(
+        "disabled predicate (over an empty loop)", empty,
+        [](int iCalls) {
+            for (int i = 0; i < iCalls; ++i)
+            {
+                if (IsErrorEnabled())
+                {
+                    LogError("%d", i);
+                }
+                KeepLoop();
+            }
+        },
+        1000000, 31));
+    measurements.push_back(Measure(
+        "disabled trace scope with FunctionTrace (over an empty loop)", empty,
+        [](int iCalls) {
+            for (int i = 0; i < iCalls; ++i)
+            {
+                TRACE_FUNCTION("Bench");
+                KeepLoop();
+            }
+        },
+        1000000, 31));
+    measurements.push_back(Measure(
+        "DrvDeviceCapabilities, number (DC_COPIES)",
+        [](int iCalls) {
+            for (int i = 0; i < iCalls; ++i)
+            {
+                FloorNumber(L"Copies");
+            }
+        },
+        [&](int iCalls) {
+            for (int i = 0; i < iCalls; ++i)
+            {
+                pfnCaps(nullptr, nullptr, DC_COPIES, nullptr, nullptr);
+            }
+        },
+        100, 31));
+    std::vector<WORD> papers(1000);
+    measurements.push_back(Measure(
+        "DrvDeviceCapabilities, list (DC_PAPERS of the sample)",
+        [&](int iCalls) {
+            for (int i = 0; i < iCalls; ++i)
+            {
+                FloorWords(L"PapersCount", L"Papers", papers.data());
+            }
+        },
+        [&](int iCalls) {
+            for (int i = 0; i < iCalls; ++i)
+            {
+                pfnCaps(nullptr, nullptr, DC_PAPERS, papers.data(), nullptr);
+            }
+        },
+        100, 31));
+    Report(measurements, "velbench.json");
+    FreeLibrary(hModule);
+    return 0;
+}

@@ -1,0 +1,57 @@
+#pragma once
+/// The built DLL, as a host loads it.
+
+#include "support/PrinterInterface.h"
+
+#include <string>
+
+/// Full path of a file beside the test program.
+inline std::wstring BesideTests(const std::wstring& strName)
+{
+    wchar_t szPath[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, szPath, MAX_PATH);
+    std::wstring strPath = szPath;
+    return strPath.substr(0, strPath.rfind(L'\\') + 1) + strName;
+}
+
+/// Full path of the built VelUI.dll.
+inline std::wstring ModulePath()
+{
+    return BesideTests(L"VelUI.dll");
+}
+
+/// Loads the DLL and gives it back. The entry points are null when the DLL did not load.
+class BuiltModule
+{
+public:
+    BuiltModule() : handle(LoadLibraryW(ModulePath().c_str()))
+    {
+        Find(DeviceCapabilities, "DrvDeviceCapabilities");
+        Find(SplDeviceCaps, "DrvSplDeviceCaps");
+        Find(ConvertDevMode, "DrvConvertDevMode");
+        Find(QueryPrintEx, "DevQueryPrintEx");
+    }
+    ~BuiltModule()
+    {
+        if (handle != nullptr)
+        {
+            FreeLibrary(handle);
+        }
+    }
+    BuiltModule(const BuiltModule&) = delete;
+    BuiltModule& operator=(const BuiltModule&) = delete;
+
+    HMODULE handle;
+    decltype(&DrvDeviceCapabilities) DeviceCapabilities = nullptr;
+    decltype(&DrvSplDeviceCaps) SplDeviceCaps = nullptr;
+    decltype(&DrvConvertDevMode) ConvertDevMode = nullptr;
+    decltype(&DevQueryPrintEx) QueryPrintEx = nullptr;
+
+private:
+    template <typename Function>
+    void Find(Function& pfn, const char* pszName)
+    {
+        pfn = handle != nullptr ? reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(handle, pszName)))
+                                : nullptr;
+    }
+};

@@ -1,0 +1,150 @@
+#include "tests/common/BuiltModule.h"
+#include "tests/common/PrivateRegistry.h"
+#include "tests/common/TempFolder.h"
+
+#include <catch2/catch.hpp>
+
+#include <psapi.h>
+#include <tlhelp32.h>
+
+#include <vector>
+
+namespace
+{
+
+/// How many TLS and fiber-local indexes are free, by taking them all and giving them back.
+size_t FreeTlsIndexes()
+{
+    std::vector<DWORD> taken;
+    for (DWORD dw = TlsAlloc(); dw != TLS_OUT_OF_INDEXES; dw = TlsAlloc())
+    {
+        taken.push_back(dw);
+    }
+    for (const DWORD dw : taken)
+    {
+        TlsFree(dw);
+    }
+    return taken.size();
+}
+
+size_t FreeFlsIndexes()
+{
+    std::vector<DWORD> taken;
+    for (DWORD dw = FlsAlloc(nullptr); dw != FLS_OUT_OF_INDEXES && taken.size() < 5000; dw = FlsAlloc(nullptr))
+    {
+        taken.push_back(dw);
+    }
+    for (const DWORD dw : taken)
+    {
+        FlsFree(dw);
+    }
+    return taken.size();
+}
+
+size_t LoadedModules()
+{
+    const HANDLE hSnapshot = CreateToolhelp32Snapshot(TH32CS_SNAPMODULE, 0);
+    REQUIRE(hSnapshot != INVALID_HANDLE_VALUE);
+    MODULEENTRY32W entry = {};
+    entry.dwSize = sizeof(entry);
+    size_t uiModules = 0;
+    for (BOOL bMore = Module32FirstW(hSnapshot, &entry); bMore; bMore = Module32NextW(hSnapshot, &entry))
+    {
+        ++uiModules;
+    }
+    CloseHandle(hSnapshot);
+    return uiModules;
+}
+
+/// The number that a new handle gets: the number of handles in use, as a table slot.
+size_t NextHandle()
+{
+    const HANDLE hEvent = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    const size_t uiHandle = reinterpret_cast<size_t>(hEvent);
+    CloseHandle(hEvent);
+    return uiHandle;
+}
+
+size_t PrivateBytes()
+{
+    PROCESS_MEMORY_COUNTERS_EX counters = {};
+    counters.cb = sizeof(counters);
+    REQUIRE(K32GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters),
+                                    sizeof(counters)));
+    return counters.PrivateUsage;
+}
+
+/// Loads the module, asks it one thing, makes it throw and catch inside, and unloads it.
+void UseOnce()
+{
+    const BuiltModule module;
+    REQUIRE(module.handle != nullptr);
+    REQUIRE(module.DeviceCapabilities(nullptr, nullptr, DC_SIZE, nullptr, nullptr) == 220);
+}
+
+} // namespace
+
+TEST_CASE("5,000 loads and unloads leave indexes, modules, handles and memory as before the first", "[driver][load]")
+{
+    const TempFolder folder;
+    PrivateRegistry registry;
+    registry.SetClient(L"InstallDir", folder.Path()); // the road with a key, and without a log configuration
+    for (int i = 0; i < 100; ++i)
+    {
+        UseOnce(); // what the platform itself keeps after the first loads
+    }
+    const size_t uiTls = FreeTlsIndexes();
+    const size_t uiFls = FreeFlsIndexes();
+    const size_t uiModules = LoadedModules();
+    const size_t uiHandle = NextHandle();
+    const size_t cbPrivate = PrivateBytes();
+    for (int i = 0; i < 5000; ++i)
+    {
+        UseOnce();
+    }
+    CHECK(GetModuleHandleW(L"VelUI.dll") == nullptr);
+    CHECK(FreeTlsIndexes() == uiTls);
+    CHECK(FreeFlsIndexes() == uiFls);
+    CHECK(LoadedModules() == uiModules);
+    CHECK(NextHandle() == uiHandle);
+    // Below 100 bytes a load is noise of the heap; a lost block of any size would show as much more.
+    const size_t cbAfter = PrivateBytes();
+    CAPTURE(cbPrivate, cbAfter);
+    CHECK(cbAfter < cbPrivate + 5000 * 100);
+}
+
+TEST_CASE("the module can be unloaded while threads that used it go on", "[driver][load]")
+{
+    HANDLE hDone = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    HANDLE hUsed = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    struct Work
+    {
+        const BuiltModule* pModule;
+        HANDLE hUsed;
+        HANDLE hDone;
+    };
+    HANDLE hThread = nullptr;
+    {
+        const BuiltModule module;
+        Work work = {&module, hUsed, hDone};
+        hThread = CreateThread(
+            nullptr, 0,
+            [](void* pv) -> DWORD {
+                const Work work = *static_cast<Work*>(pv);
+                work.pModule->DeviceCapabilities(nullptr, nullptr, DC_PAPERS, nullptr, nullptr);
+                SetEvent(work.hUsed);
+                return WaitForSingleObject(work.hDone, 20000) == WAIT_OBJECT_0 ? 42 : 1;
+            },
+            &work, 0, nullptr);
+        REQUIRE(WaitForSingleObject(hUsed, 20000) == WAIT_OBJECT_0);
+    }
+    CHECK(GetModuleHandleW(L"VelUI.dll") == nullptr);
+    SetEvent(hDone);
+    REQUIRE(WaitForSingleObject(hThread, 20000) == WAIT_OBJECT_0);
+    DWORD dwCode = 0;
+    GetExitCodeThread(hThread, &dwCode);
+    CHECK(dwCode == 42);
+    CloseHandle(hThread);
+    CloseHandle(hUsed);
+    CloseHandle(hDone);
+}

@@ -1,0 +1,109 @@
+#include "state/BaseMutex.h"
+
+#include <catch2/catch.hpp>
+
+#include <string>
+
+using namespace VelUtility;
+
+namespace
+{
+
+std::wstring UniqueName(const wchar_t* pszWhat)
+{
+    return std::wstring(L"velui-test-") + pszWhat + std::to_wstring(GetCurrentProcessId());
+}
+
+/// Runs a function on another thread and waits for its end.
+template <typename Function>
+void OnThread(Function function)
+{
+    const HANDLE hThread = CreateThread(
+        nullptr, 0,
+        [](void* pv) -> DWORD {
+            (*static_cast<Function*>(pv))();
+            return 0;
+        },
+        &function, 0, nullptr);
+    REQUIRE(hThread != nullptr);
+    REQUIRE(WaitForSingleObject(hThread, 20000) == WAIT_OBJECT_0);
+    CloseHandle(hThread);
+}
+
+} // namespace
+
+TEST_CASE("a mutex without a handle can't be locked or unlocked", "[state][locks]")
+{
+    const std::wstring strName = UniqueName(L"event");
+    const HANDLE hEvent = CreateEventW(nullptr, FALSE, FALSE, strName.c_str()); // the name is taken by another kind
+    REQUIRE(hEvent != nullptr);
+    CBaseMutex mutex(FALSE, strName.c_str());
+    CHECK(mutex.hMutex == nullptr);
+    CHECK(mutex.Lock(0) == 0);
+    CHECK(mutex.Lock(INFINITE) == 0);
+    CHECK(mutex.Unlock() == 0);
+    CloseHandle(hEvent);
+}
+
+TEST_CASE("a mutex is recursive for its owner and each lock needs an unlock", "[state][locks]")
+{
+    CBaseMutex mutex(FALSE, UniqueName(L"recursive").c_str());
+    CHECK(mutex.Lock(0) == 1);
+    CHECK(mutex.Lock(0) == 1);
+    CHECK(mutex.Unlock() != 0);
+    OnThread([&] { CHECK(mutex.Lock(0) == 0); });
+    CHECK(mutex.Unlock() != 0);
+    CHECK(mutex.Unlock() == 0);
+    OnThread([&] {
+        CHECK(mutex.Lock(0) == 1);
+        CHECK(mutex.Unlock() != 0);
+    });
+}
+
+TEST_CASE("a lock with time-out 0 on a mutex held elsewhere returns 0 at once", "[state][locks]")
+{
+    CBaseMutex mutex(TRUE, UniqueName(L"held").c_str());
+    OnThread([&] {
+        const DWORD dwStart = GetTickCount();
+        CHECK(mutex.Lock(0) == 0);
+        CHECK(GetTickCount() - dwStart < 1000);
+        CHECK(mutex.Unlock() == 0); // not the owner
+    });
+}
+
+TEST_CASE("a lock with a time-out waits for that long and then returns 0", "[state][locks]")
+{
+    CBaseMutex mutex(TRUE, UniqueName(L"timeout").c_str());
+    OnThread([&] {
+        const DWORD dwStart = GetTickCount();
+        CHECK(mutex.Lock(200) == 0);
+        CHECK(GetTickCount() - dwStart >= 180);
+    });
+}
+
+TEST_CASE("an abandoned mutex counts as not locked, yet the waiter owns it and gives it back", "[state][locks]")
+{
+    CBaseMutex mutex(FALSE, UniqueName(L"abandoned").c_str());
+    OnThread([&] { CHECK(mutex.Lock(0) == 1); }); // ends without releasing
+    CHECK(mutex.Lock(INFINITE) == 0);
+    OnThread([&] { CHECK(mutex.Lock(0) == 0); });
+    CHECK(mutex.Unlock() != 0);
+    OnThread([&] {
+        CHECK(mutex.Lock(0) == 1);
+        CHECK(mutex.Unlock() != 0);
+    });
+}
+
+TEST_CASE("the destructor gives back a mutex that is still locked", "[state][locks]")
+{
+    const std::wstring strName = UniqueName(L"destroyed");
+    CBaseMutex outer(FALSE, strName.c_str()); // keeps the mutex alive
+    {
+        CBaseMutex inner(FALSE, strName.c_str());
+        CHECK(inner.Lock(0) == 1);
+    }
+    OnThread([&] {
+        CHECK(outer.Lock(0) == 1);
+        CHECK(outer.Unlock() != 0);
+    });
+}

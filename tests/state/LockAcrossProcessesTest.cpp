@@ -1,0 +1,119 @@
+#include "state/ComputerCaps.h"
+#include "state/FileLocker.h"
+#include "state/PrinterConfig.h"
+#include "tests/common/BuiltModule.h"
+#include "tests/common/ChildProcess.h"
+#include "tests/common/ClientFixture.h"
+
+#include <catch2/catch.hpp>
+
+using namespace VelUtility;
+
+namespace
+{
+
+std::wstring MutexNameOf(std::wstring strPath)
+{
+    for (wchar_t& c : strPath)
+    {
+        c = c == L'\\' ? L'|' : static_cast<wchar_t>(c >= L'A' && c <= L'Z' ? c + 32 : c);
+    }
+    return strPath;
+}
+
+/// Another process that holds the lock of a file until it is ended.
+class Holder
+{
+public:
+    explicit Holder(const std::wstring& strFile)
+        : m_strReady(L"velui-test-ready-" + std::to_wstring(GetCurrentProcessId())),
+          m_hReady(CreateEventW(nullptr, FALSE, FALSE, m_strReady.c_str())),
+          m_child(BesideTests(L"storeworker.exe"), {L"hold", MutexNameOf(strFile), m_strReady})
+    {
+        REQUIRE(WaitForSingleObject(m_hReady, 20000) == WAIT_OBJECT_0);
+    }
+    ~Holder() { CloseHandle(m_hReady); }
+    void End() { m_child.Terminate(); }
+
+private:
+    std::wstring m_strReady;
+    HANDLE m_hReady;
+    ChildProcess m_child;
+};
+
+/// Asks for a capability on a thread of its own.
+struct Query
+{
+    Query()
+    {
+        hThread = CreateThread(
+            nullptr, 0,
+            [](void* pv) -> DWORD {
+                static_cast<Query*>(pv)->dwAnswer = GetComputerCaps(DC_COPIES, nullptr);
+                return 0;
+            },
+            this, 0, nullptr);
+    }
+    ~Query()
+    {
+        WaitForSingleObject(hThread, 20000);
+        CloseHandle(hThread);
+    }
+    bool Ends(DWORD dwMilliseconds) const { return WaitForSingleObject(hThread, dwMilliseconds) == WAIT_OBJECT_0; }
+
+    HANDLE hThread;
+    DWORD dwAnswer = 0;
+};
+
+} // namespace
+
+TEST_CASE_METHOD(ClientFixture, "a query waits for a lock that another process holds, and goes on when it ends",
+                 "[state][locks][processes]")
+{
+    WriteCaps({{L"Copies", L"7"}});
+    Holder holder(ConfigFile());
+    const Query query;
+    CHECK_FALSE(query.Ends(300));
+    holder.End(); // the mutex is abandoned; the waiter goes on all the same
+    CHECK(query.Ends(20000));
+    CHECK(query.dwAnswer == 7);
+    // The waiter gave the abandoned mutex back: it is free for the next one.
+    CFileLocker locker(ConfigFile().c_str());
+    CHECK(locker.Lock(0) == 1);
+    CHECK(locker.Unlock() != 0);
+}
+
+TEST_CASE_METHOD(ClientFixture, "a lock with a time-out ends while another process holds it",
+                 "[state][locks][processes]")
+{
+    Holder holder(ConfigFile());
+    CFileLocker locker(ConfigFile().c_str());
+    CHECK(locker.Lock(0) == 0);
+    CHECK(locker.Lock(100) == 0);
+    CHECK(locker.Unlock() == 0);
+    holder.End();
+    CHECK(locker.Lock(INFINITE) == 0); // abandoned: counts as a failure, and yet it is owned
+    CHECK(locker.Unlock() != 0);
+    CHECK(locker.Lock(0) == 1);
+    CHECK(locker.Unlock() != 0);
+}
+
+TEST_CASE_METHOD(ClientFixture, "readers in processes and threads never see a torn snapshot",
+                 "[state][locks][processes]")
+{
+    // The first snapshot is there before any reader starts.
+    ChildProcess first(BesideTests(L"storeworker.exe"), {L"write", L"1", registry.Root()});
+    REQUIRE(first.Wait(20000) == 0);
+    ChildProcess writer(BesideTests(L"storeworker.exe"), {L"write", L"60", registry.Root()});
+    ChildProcess reader(BesideTests(L"storeworker.exe"), {L"read", L"200", registry.Root()});
+    int iBad = 0;
+    for (int i = 0; i < 200; ++i)
+    {
+        WORD papers[20] = {};
+        const DWORD dwCount = GetComputerCaps(DC_PAPERS, papers);
+        iBad += dwCount == 20 && std::all_of(papers, papers + 20, [&](WORD w) { return w == papers[0]; }) ? 0 : 1;
+    }
+    CHECK(iBad == 0);
+    CHECK(writer.Wait(60000) == 0);
+    CHECK(reader.Wait(60000) == 0);
+}

@@ -1,0 +1,137 @@
+#include <catch2/catch.hpp>
+
+#include <windows.h>
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+
+namespace
+{
+
+thread_local int t_iTemplated = 42;
+thread_local unsigned char t_abyZeroed[300];
+struct alignas(64) Wide
+{
+    int values[16];
+};
+thread_local Wide t_wide = {{1, 2, 3}};
+
+template <typename Function>
+void OnThread(Function function)
+{
+    const HANDLE hThread = CreateThread(
+        nullptr, 0,
+        [](void* pv) -> DWORD {
+            (*static_cast<Function*>(pv))();
+            return 0;
+        },
+        &function, 0, nullptr);
+    REQUIRE(hThread != nullptr);
+    REQUIRE(WaitForSingleObject(hThread, 20000) == WAIT_OBJECT_0);
+    CloseHandle(hThread);
+}
+
+} // namespace
+
+TEST_CASE("a thread's variable starts from its initial value and is the thread's own", "[support][tls]")
+{
+    t_iTemplated = 7;
+    int iSeen = 0;
+    OnThread([&] {
+        iSeen = t_iTemplated;
+        t_iTemplated = 9;
+    });
+    CHECK(iSeen == 42);
+    CHECK(t_iTemplated == 7);
+    t_iTemplated = 42;
+}
+
+TEST_CASE("a thread's variable without a value starts as zeroes", "[support][tls]")
+{
+    OnThread([] {
+        for (const unsigned char by : t_abyZeroed)
+        {
+            CHECK(by == 0);
+        }
+        t_abyZeroed[299] = 1;
+    });
+    OnThread([] { CHECK(t_abyZeroed[299] == 0); });
+}
+
+TEST_CASE("a thread's variable is aligned as its type asks", "[support][tls]")
+{
+    OnThread([] {
+        CHECK(reinterpret_cast<std::uintptr_t>(&t_wide) % 64 == 0);
+        CHECK(t_wide.values[2] == 3);
+    });
+}
+
+TEST_CASE("a thread's variable keeps its place while others come into use", "[support][tls]")
+{
+    OnThread([] {
+        const void* const pFirst = &t_iTemplated;
+        t_abyZeroed[0] = 1;
+        t_wide.values[0] = 5;
+        try
+        {
+            throw std::runtime_error("x"); // the run-time's own variable
+        }
+        catch (const std::runtime_error&)
+        {}
+        CHECK(pFirst == &t_iTemplated);
+        CHECK(t_iTemplated == 42);
+    });
+}
+
+TEST_CASE("using a thread's variable leaves the last error alone", "[support][tls]")
+{
+    OnThread([] {
+        SetLastError(5);
+        t_abyZeroed[1] = 1; // first use on this thread
+        const DWORD dwAfterFirst = GetLastError();
+        t_abyZeroed[2] = 1;
+        const DWORD dwAfterSecond = GetLastError();
+        CHECK(dwAfterFirst == 5);
+        CHECK(dwAfterSecond == 5);
+    });
+}
+
+TEST_CASE("eight threads that throw at once each catch their own exception", "[support][tls]")
+{
+    struct Work
+    {
+        int iNumber;
+        int iWrong;
+    };
+    Work works[8];
+    HANDLE threads[8];
+    for (int i = 0; i < 8; ++i)
+    {
+        works[i] = {i, 0};
+        threads[i] = CreateThread(
+            nullptr, 0,
+            [](void* pv) -> DWORD {
+                Work& work = *static_cast<Work*>(pv);
+                for (int iRound = 0; iRound < 500; ++iRound)
+                {
+                    try
+                    {
+                        throw std::to_string(work.iNumber * 1000 + iRound);
+                    }
+                    catch (const std::string& strCaught)
+                    {
+                        work.iWrong += strCaught != std::to_string(work.iNumber * 1000 + iRound) ? 1 : 0;
+                    }
+                }
+                return 0;
+            },
+            &works[i], 0, nullptr);
+    }
+    CHECK(WaitForMultipleObjects(8, threads, TRUE, 60000) == WAIT_OBJECT_0);
+    for (int i = 0; i < 8; ++i)
+    {
+        CHECK(works[i].iWrong == 0);
+        CloseHandle(threads[i]);
+    }
+}
