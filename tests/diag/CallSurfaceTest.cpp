@@ -93,9 +93,18 @@ TEST_CASE("a missing, an empty and a null configuration leave logging off", "[di
     CHECK(loggingDisabled);
     CHECK(StartLogging(std::string(strFile.begin(), strFile.end()).c_str()) == 0);
     CHECK(loggingDisabled);
+}
+
+TEST_CASE("a log call after the end of logging is silent", "[diag][off]")
+{
+    StopLogging();
     StopLogging();
     CHECK(loggingDisabled);
     CHECK(IsFatalEnabled() == 0);
+    SetLastError(5);
+    LogFatal("%s", "late");
+    const DWORD dwLastError = GetLastError();
+    CHECK(dwLastError == 5);
 }
 
 TEST_CASE("no argument of a log line is built while logging is off", "[diag][off]")

@@ -1,0 +1,144 @@
+// What each entry point writes around its body, in order, with everything switched on.
+
+#include "settings/DriverDevmode.h"
+#include "support/PrinterInterface.h"
+#include "tests/common/ClientFixture.h"
+#include "tests/common/LogLines.h"
+
+#include <catch2/catch.hpp>
+
+namespace
+{
+
+using Lines = std::vector<std::string>;
+
+/// The lines of one entry point alone, with those of the functions that it calls left out.
+struct EntryLogFixture : ClientFixture
+{
+    LoggingOn logging{"OutputParam", "OutputFunBeginInfo"};
+    Lines Own(const char* pszFunction) const { return OwnLines(logging, pszFunction); }
+};
+
+} // namespace
+
+TEST_CASE_METHOD(EntryLogFixture, "DrvDeviceCapabilities logs its invocation, four arguments and the answer",
+                 "[driver][log]")
+{
+    wchar_t szPrinter[] = L"VelPrinter";
+    DrvDeviceCapabilities(reinterpret_cast<HANDLE>(0x1234), szPrinter, DC_SIZE, nullptr, nullptr);
+    CHECK(Masked(logging) ==
+          Lines{"VelUI_dll__DrvDeviceCapabilities :START......", "INFO - DrvDeviceCapabilities was invoked.",
+                "DEBUG - VelUI(#) : hPrinter = 0x00001234", "DEBUG - VelUI(#) : pDeviceName = VelPrinter",
+                "DEBUG - VelUI(#) : iDevCap = 8", "DEBUG - VelUI(#) : pvOutput = 0x00000000",
+                "DEBUG - VelUI(#) : dwReturn = 220", "VelUI_dll__DrvDeviceCapabilities :End  ......"});
+}
+
+TEST_CASE_METHOD(EntryLogFixture, "a refused code leaves only the result line behind the arguments", "[driver][log]")
+{
+    DrvDeviceCapabilities(nullptr, nullptr, DC_FIELDS, nullptr, nullptr);
+    CHECK(Masked(logging) ==
+          Lines{"VelUI_dll__DrvDeviceCapabilities :START......", "INFO - DrvDeviceCapabilities was invoked.",
+                "DEBUG - VelUI(#) : hPrinter = 0x00000000", "DEBUG - VelUI(#) : pDeviceName = (null)",
+                "DEBUG - VelUI(#) : iDevCap = 1", "DEBUG - VelUI(#) : pvOutput = 0x00000000",
+                "DEBUG - VelUI(#) : dwReturn = 4294967295", "VelUI_dll__DrvDeviceCapabilities :End  ......"});
+}
+
+TEST_CASE_METHOD(EntryLogFixture, "a room of 63 characters or a null buffer leaves two warnings", "[driver][log]")
+{
+    wchar_t szNames[64] = {};
+    DrvSplDeviceCaps(nullptr, nullptr, DC_PAPERNAMES, szNames, 63, nullptr);
+    Lines lines = Masked(logging);
+    REQUIRE(lines.size() == 6);
+    CHECK(lines[0] == "VelUI_dll__DrvSplDeviceCaps :START......");
+    CHECK(lines[1] == "INFO - DrvSplDeviceCaps was invoked.");
+    CHECK(lines[2] == "WARNING - VelUI(#) : cchBuf = 63");
+    CHECK(lines[3].substr(0, 32) == "WARNING - VelUI(#) : pvOutput = ");
+    CHECK(lines[4] == "Param - VelUI(#) : dwReturn = 4294967295");
+    CHECK(lines[5] == "VelUI_dll__DrvSplDeviceCaps :End  ......");
+
+    DrvSplDeviceCaps(nullptr, nullptr, DC_PAPERNAMES, nullptr, 64, nullptr);
+    lines = Masked(logging);
+    REQUIRE(lines.size() == 12);
+    CHECK(lines[8] == "WARNING - VelUI(#) : cchBuf = 64");
+    CHECK(lines[9] == "WARNING - VelUI(#) : pvOutput = 0x00000000");
+}
+
+TEST_CASE_METHOD(EntryLogFixture, "DrvSplDeviceCaps logs the code once its arguments have passed", "[driver][log]")
+{
+    wchar_t szNames[64] = {};
+    DrvSplDeviceCaps(nullptr, nullptr, DC_BINNAMES, szNames, 64, nullptr);
+    CHECK(Masked(logging) == Lines{"VelUI_dll__DrvSplDeviceCaps :START......", "INFO - DrvSplDeviceCaps was invoked.",
+                                   "DEBUG - VelUI(#) : DeviceCap = 12", "Param - VelUI(#) : dwReturn = 4294967295",
+                                   "VelUI_dll__DrvSplDeviceCaps :End  ......"});
+}
+
+TEST_CASE_METHOD(EntryLogFixture, "DevQueryPrintEx logs its invocation and nothing else", "[driver][log]")
+{
+    DevQueryPrintEx(nullptr);
+    CHECK(Masked(logging) == Lines{"VelUI_dll__DevQueryPrintEx :START......", "INFO - DevQueryPrintEx was invoked.",
+                                   "VelUI_dll__DevQueryPrintEx :End  ......"});
+}
+
+TEST_CASE_METHOD(EntryLogFixture, "DrvConvertDevMode prints its call line behind the invocation", "[driver][log]")
+{
+    wchar_t szPrinter[] = L"VelPrinter";
+    LONG lSize = 199;
+    DrvConvertDevMode(szPrinter, nullptr, nullptr, &lSize, CDM_CONVERT351);
+    CHECK(GetLastError() == 122); // the lines behind it leave it alone
+    const Lines lines = Masked(logging);
+    REQUIRE(lines.size() == 6);
+    CHECK(lines[1] == "INFO - DrvConvertDevMode was invoked.");
+    const std::string strHead = "Param - DrvConvertDevMode([pPrinterName] = VelPrinter, [pdmIn] = 0x0000000000000000, "
+                                "[pdmOut] = 0x0000000000000000, [pcbNeeded] = 0x";
+    CHECK(lines[2].substr(0, strHead.size()) == strHead);
+    CHECK(lines[2].substr(strHead.size() + 16) == " => 199, [fMode] = 2, )");
+    CHECK(lines[3] == "DEBUG - VelUI(#) : fMode = CDM_CONVERT351");
+    CHECK(lines[4] == "Param - VelUI(#) : bReturn = 0");
+    CHECK(lines[5] == "VelUI_dll__DrvConvertDevMode :End  ......");
+}
+
+TEST_CASE_METHOD(EntryLogFixture, "CDM_CONVERT has no error line of its own", "[driver][log]")
+{
+    LONG lSize = 0;
+    DrvConvertDevMode(nullptr, nullptr, nullptr, &lSize, CDM_CONVERT);
+    CHECK(GetLastError() == 87);
+    CHECK(Own("DrvConvertDevMode").at(3) == "DEBUG - VelUI(#) : fMode = CDM_CONVERT");
+    CHECK_FALSE(logging.Has("ERROR"));
+}
+
+TEST_CASE_METHOD(EntryLogFixture, "a failed CDM_CONVERT351 leaves an error line", "[driver][log]")
+{
+    stuDrvDevmode record = {};
+    LONG lSize = 200;
+    DrvConvertDevMode(nullptr, nullptr, &record.stuDevmode, &lSize, CDM_CONVERT351);
+    const Lines lines = Masked(logging);
+    CHECK(std::count(lines.begin(), lines.end(), "ERROR - VelUI(#) : ConvertDevmode failed.") == 1);
+    CHECK(lines.at(lines.size() - 2) == "Param - VelUI(#) : bReturn = 0");
+}
+
+TEST_CASE_METHOD(EntryLogFixture, "a refused mode leaves an error line with its number", "[driver][log]")
+{
+    LONG lSize = 232;
+    DrvConvertDevMode(nullptr, nullptr, nullptr, &lSize, 8);
+    CHECK(GetLastError() == 13);
+    const Lines lines = Masked(logging);
+    CHECK(lines.at(3) == "ERROR - VelUI(#) : Unexpected fMode : 8");
+    CHECK(lines.at(4) == "Param - VelUI(#) : bReturn = 0");
+}
+
+TEST_CASE_METHOD(EntryLogFixture, "a call inside an entry point opens and closes its own scope", "[driver][log]")
+{
+    stuDrvDevmode in = {};
+    stuDrvDevmode out = {};
+    in.stuDevmode.dmSize = out.stuDevmode.dmSize = 220;
+    LONG lSize = 232;
+    CHECK(DrvConvertDevMode(nullptr, &in.stuDevmode, &out.stuDevmode, &lSize, CDM_CONVERT) == 1);
+    const Lines lines = Masked(logging);
+    const auto begin = std::find(lines.begin(), lines.end(), "VelUI_dll__ConvertDevmode :START......");
+    const auto end = std::find(lines.begin(), lines.end(), "VelUI_dll__ConvertDevmode :End  ......");
+    REQUIRE(begin != lines.end());
+    REQUIRE(end != lines.end());
+    CHECK(begin < end);
+    CHECK(lines.front() == "VelUI_dll__DrvConvertDevMode :START......");
+    CHECK(lines.back() == "VelUI_dll__DrvConvertDevMode :End  ......");
+}
