@@ -1,7 +1,12 @@
 #include "diag/LogSite.h"
 #include "settings/ConvertDevmode.h"
+#include "settings/DefaultRecord.h"
 #include "settings/DriverDevmode.h"
+#include "state/ClientConfig.h"
+#include "state/StoreTypes.h"
 #include "support/PrinterInterface.h"
+
+#include <cstring>
 
 VELUI_SOURCE_MODULE("VelUI");
 
@@ -43,6 +48,40 @@ BOOL Convert351(PDEVMODEW pdmIn, PDEVMODEW pdmOut, PLONG pcbNeeded)
     return 1;
 }
 
+/// Whether CDM_DRIVER_DEFAULT can go on; sets the last error, and the size, when not.
+bool HasRoomForDefault(PDEVMODEW pdmOut, PLONG pcbNeeded)
+{
+    if (pcbNeeded == nullptr)
+    {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return false;
+    }
+    // Required: unsigned, on the sign-extended value, so that a negative size counts as a huge buffer.
+    const auto uiRoom = static_cast<unsigned __int64>(static_cast<__int64>(*pcbNeeded));
+    if (pdmOut == nullptr || uiRoom < kRecordSize)
+    {
+        *pcbNeeded = kRecordSize;
+        SetLastError(ERROR_INSUFFICIENT_BUFFER);
+        return false;
+    }
+    return true;
+}
+
+/// CDM_DRIVER_DEFAULT: the current user's default record, whole.
+void DeliverDefault(PDEVMODEW pdmOut, PLONG pcbNeeded)
+{
+    stuDrvDevmode record = {};
+    SubSetDevMode(&record);
+    if (VelUtility::GetDefSetting(&record.dwNoWaterPrint) != VelUtility::PSERR_OK)
+    {
+        // No dialog is shown: the words are the line's only.
+        LOG_WARNING_WORDS("GetDefSetting failed. Popup confirm dialog.");
+        record.dwNoWaterPrint = 0;
+    }
+    *pcbNeeded = kRecordSize;
+    std::memcpy(pdmOut, &record, kRecordSize);
+}
+
 BOOL RefuseMode(DWORD fMode)
 {
     LOG_ERROR("Unexpected fMode : %u", static_cast<unsigned>(fMode));
@@ -65,13 +104,15 @@ BOOL ConvertByMode(PDEVMODEW pdmIn, PDEVMODEW pdmOut, PLONG pcbNeeded, DWORD fMo
 
 } // namespace
 
-/// Copies a device-mode record from one form to another.
+/// Copies a device-mode record from one form to another, or delivers the default one.
 /// @param pPrinterName not used.
 /// @param pdmIn        record of dmSize + dmDriverExtra bytes.
 /// @param pdmOut       [in, out] buffer whose own header declares its size in bytes.
 /// @param pcbNeeded    [in, out] bytes at pdmOut, compared as a signed value; not tested for null.
-/// @param fMode        one CDM_ mode.
-/// @return 1; or 0 with last error 87 (CDM_CONVERT), 122 (CDM_CONVERT351, too small), 13 (any other mode).
+///                     In CDM_DRIVER_DEFAULT: tested for null, and compared as an unsigned value.
+/// @param fMode        one CDM_ mode; CDM_DRIVER_DEFAULT does not look at pdmIn and delivers 232 bytes.
+/// @return 1; or 0 with last error 87 (CDM_CONVERT; a null pcbNeeded), 122 (too small, in the other two modes), 13 (any
+///         other mode).
 extern "C" BOOL WINAPI DrvConvertDevMode(LPWSTR pPrinterName, PDEVMODEW pdmIn, PDEVMODEW pdmOut, PLONG pcbNeeded,
                                          DWORD fMode)
 {
@@ -88,7 +129,20 @@ extern "C" BOOL WINAPI DrvConvertDevMode(LPWSTR pPrinterName, PDEVMODEW pdmIn, P
     // Required: the call line is handed over as the format, with no arguments behind it.
     LOG_PARAM(CallText(functionTrace).c_str());
 
-    const BOOL bReturn = ConvertByMode(pdmIn, pdmOut, pcbNeeded, fMode);
+    BOOL bReturn = 1;
+    if (fMode == CDM_DRIVER_DEFAULT)
+    {
+        LOG_DEBUG_WORDS("fMode = CDM_DRIVER_DEFAULT");
+        if (!HasRoomForDefault(pdmOut, pcbNeeded))
+        {
+            return 0; // Required: without the result line
+        }
+        DeliverDefault(pdmOut, pcbNeeded);
+    }
+    else
+    {
+        bReturn = ConvertByMode(pdmIn, pdmOut, pcbNeeded, fMode);
+    }
 
     LOG_RESULT(bReturn);
     return bReturn;

@@ -3,8 +3,6 @@
 #include "diag/LogSite.h"
 #include "driver/LogConfigFile.h"
 
-HMODULE g_hModule = nullptr;
-
 extern "C" BOOL WINAPI DllMain(HINSTANCE hinstDLL, DWORD fdwReason, LPVOID /*lpvReserved*/)
 {
     g_hModule = hinstDLL;
@@ -24,17 +22,5 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE hinstDLL, DWORD fdwReason, LPVOID /*lpv
     default:
         break;
     }
-    return 1;
-}
-
-int SubLoadString(UINT uiId, std::wstring& strText)
-{
-    TRACE_FUNCTION("SubLoadString");
-    wchar_t szText[100];
-    if (LoadStringW(g_hModule, uiId, szText, static_cast<int>(std::size(szText))) == 0)
-    {
-        return 0;
-    }
-    strText = szText;
     return 1;
 }

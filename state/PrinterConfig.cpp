@@ -2,6 +2,7 @@
 
 #include "diag/LogSite.h"
 #include "state/FileLocker.h"
+#include "state/LoggedWrite.h"
 #include "state/ProfileWriter.h"
 #include "state/StorePaths.h"
 
@@ -16,36 +17,25 @@ namespace
 constexpr wchar_t kPrinterSection[] = L"Printer";
 constexpr wchar_t kCapsSection[] = L"DeviceCapabilities";
 
-/// Logs "<writer> failed." for a writer that answered 0, and hands the answer on.
-#define LOGGED(writer, ...) Logged(writer(__VA_ARGS__), #writer " failed.", __LINE__)
-
-bool Logged(DWORD dwWritten, const char* pszWords, int iLine)
-{
-    if (dwWritten == 0 && IsErrorEnabled())
-    {
-        LogError("%s(%d) : %s", kSourceModule, iLine, pszWords);
-    }
-    return dwWritten != 0;
-}
-
 bool WritePrinter(const PrinterInfo& info, const wchar_t* pszFile)
 {
-    return LOGGED(WritePrivateProfileStringW, kPrinterSection, L"PrinterName", info.PrinterName.c_str(), pszFile) &&
-           LOGGED(WritePrivateProfileStringW, kPrinterSection, L"Location", info.Location.c_str(), pszFile) &&
-           LOGGED(WritePrivateProfileStringW, kPrinterSection, L"Description", info.Description.c_str(), pszFile);
+    return LOGGED_WRITE(WritePrivateProfileStringW, kPrinterSection, L"PrinterName", info.PrinterName.c_str(),
+                        pszFile) &&
+           LOGGED_WRITE(WritePrivateProfileStringW, kPrinterSection, L"Location", info.Location.c_str(), pszFile) &&
+           LOGGED_WRITE(WritePrivateProfileStringW, kPrinterSection, L"Description", info.Description.c_str(), pszFile);
 }
 
 /// Writes the snapshot's keys in the order in which they stand in the file; each count goes before its list.
 bool WriteCaps(const PrinterCaps& caps, const wchar_t* pszFile)
 {
     const auto number = [pszFile](const wchar_t* pszKey, DWORD dwValue) {
-        return LOGGED(WritePrivateProfileUINT, kCapsSection, pszKey, dwValue, pszFile);
+        return LOGGED_WRITE(WritePrivateProfileUINT, kCapsSection, pszKey, dwValue, pszFile);
     };
     const auto numbers = [pszFile](const wchar_t* pszBaseKey, const auto* pValues, DWORD dwCount) {
-        return LOGGED(WritePrivateProfileUINTArray, kCapsSection, pszBaseKey, pValues, dwCount, pszFile);
+        return LOGGED_WRITE(WritePrivateProfileUINTArray, kCapsSection, pszBaseKey, pValues, dwCount, pszFile);
     };
     const auto names = [pszFile](const wchar_t* pszBaseKey, const auto* pszValues, DWORD dwCount) {
-        return LOGGED(WritePrivateProfileStringWArray, kCapsSection, pszBaseKey, pszValues, dwCount, pszFile);
+        return LOGGED_WRITE(WritePrivateProfileStringWArray, kCapsSection, pszBaseKey, pszValues, dwCount, pszFile);
     };
 
     return number(L"BinNamesCount", caps.BinNamesCount) && names(L"BinNames", caps.BinNames, caps.BinNamesCount) &&
@@ -53,8 +43,8 @@ bool WriteCaps(const PrinterCaps& caps, const wchar_t* pszFile)
            number(L"Collate", caps.Collate) && number(L"ColorDevice", caps.ColorDevice) &&
            number(L"Copies", caps.Copies) && number(L"Duplex", caps.Duplex) &&
            number(L"ResolutionCount", caps.ResolutionCount) &&
-           LOGGED(WritePrivateProfileResolutoinArray, kCapsSection, L"ResolutionX", L"ResolutionY", caps.Resolutions,
-                  caps.ResolutionCount, pszFile) &&
+           LOGGED_WRITE(WritePrivateProfileResolutoinArray, kCapsSection, L"ResolutionX", L"ResolutionY",
+                        caps.Resolutions, caps.ResolutionCount, pszFile) &&
            number(L"MaxExtent", caps.MaxExtent) && number(L"MinExtent", caps.MinExtent) &&
            number(L"MediaReadyCount", caps.MediaReadyCount) &&
            names(L"MediaReady", caps.MediaReady, caps.MediaReadyCount) &&
@@ -65,8 +55,8 @@ bool WriteCaps(const PrinterCaps& caps, const wchar_t* pszFile)
            number(L"PaperNamesCount", caps.PaperNamesCount) &&
            names(L"PaperNames", caps.PaperNames, caps.PaperNamesCount) && number(L"PapersCount", caps.PapersCount) &&
            numbers(L"Papers", caps.Papers, caps.PapersCount) && number(L"PaperSizeCount", caps.PaperSizeCount) &&
-           LOGGED(WritePrivateProfilePointArray, kCapsSection, L"PaperSizeX", L"PaperSizeY", caps.PaperSizes,
-                  caps.PaperSizeCount, pszFile) &&
+           LOGGED_WRITE(WritePrivateProfilePointArray, kCapsSection, L"PaperSizeX", L"PaperSizeY", caps.PaperSizes,
+                        caps.PaperSizeCount, pszFile) &&
            number(L"PrintMem", caps.PrintMem) && number(L"PrintRate", caps.PrintRate) &&
            number(L"PrintPPM", caps.PrintPPM) && number(L"PrintRateUnit", caps.PrintRateUnit);
 }

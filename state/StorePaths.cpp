@@ -12,10 +12,11 @@ VELUI_SOURCE_MODULE(".\\ClientInfo");
 namespace VelUtility
 {
 
-namespace
+void JoinPath(wchar_t* szPath, const wchar_t* pszFolder, const wchar_t* pszFileName)
 {
+    _wmakepath_s(szPath, kStorePathUnits, nullptr, pszFolder, pszFileName, nullptr);
+}
 
-/// Joins a name with one of the client's folders.
 bool MakeClientPath(FolderId iFolderId, unsigned __int64 uiSize, const wchar_t* pszName, wchar_t* szPath)
 {
     wchar_t szFolder[kFolderUnits] = {};
@@ -28,11 +29,10 @@ bool MakeClientPath(FolderId iFolderId, unsigned __int64 uiSize, const wchar_t* 
     return true;
 }
 
-} // namespace
-
-void JoinPath(wchar_t* szPath, const wchar_t* pszFolder, const wchar_t* pszFileName)
+void FormatPersonalName(wchar_t* szName, const wchar_t* pszUserName, const wchar_t* pszDomainName,
+                        const wchar_t* pszFileName)
 {
-    _wmakepath_s(szPath, kStorePathUnits, nullptr, pszFolder, pszFileName, nullptr);
+    _snwprintf_s(szName, kStoreNameUnits, _TRUNCATE, L"%ls@%ls_%ls", pszUserName, pszDomainName, pszFileName);
 }
 
 bool MakePersonalFilePath(const wchar_t* szFileName, wchar_t* szPath)
@@ -46,7 +46,7 @@ bool MakePersonalFilePath(const wchar_t* szFileName, wchar_t* szPath)
         return false;
     }
     wchar_t szName[kStoreNameUnits] = {};
-    _snwprintf_s(szName, kStoreNameUnits, _TRUNCATE, L"%ls@%ls_%ls", szUserName, szDomainName, szFileName);
+    FormatPersonalName(szName, szUserName, szDomainName, szFileName);
     return MakeClientPath(kClientDataDir, kDataDirSize, szName, szPath);
 }
 

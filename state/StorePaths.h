@@ -1,6 +1,7 @@
 #pragma once
 
 #include "state/CurrentUser.h"
+#include "state/PsFolder.h"
 
 #include <string>
 
@@ -19,6 +20,17 @@ inline constexpr unsigned __int64 kTempDirSize = 256;
 /// Joins folder and file name, with a backslash between them where the folder doesn't end in one.
 /// @param szPath [out] kStorePathUnits wide characters.
 void JoinPath(wchar_t* szPath, const wchar_t* pszFolder, const wchar_t* pszFileName);
+
+/// Joins a name with one of the client's folders. Like JoinPath a step of its caller: it runs, and logs, in the
+/// caller's trace scope.
+/// @param uiSize what GetClientFolder is told.
+/// @param szPath [out] kStorePathUnits wide characters; untouched on failure.
+bool MakeClientPath(FolderId iFolderId, unsigned __int64 uiSize, const wchar_t* pszName, wchar_t* szPath);
+
+/// Forms "user@domain_name". A step of its caller too.
+/// @param szName [out] kStoreNameUnits wide characters.
+void FormatPersonalName(wchar_t* szName, const wchar_t* pszUserName, const wchar_t* pszDomainName,
+                        const wchar_t* pszFileName);
 
 /// The path of a file of the current user: "user@domain_name" in the client's DataDir.
 /// @param szPath [out] kStorePathUnits wide characters; untouched on failure.

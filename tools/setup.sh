@@ -15,7 +15,7 @@ packages=(
     catch2 libboost-dev libcli11-dev nlohmann-json3-dev
     locales libc-bin util-linux
 )
-[ "${1:-}" = check ] && packages+=(clang-format-14 clang-tidy-14 cppcheck)
+[ "${1:-}" = check ] && packages+=(clang-format-14 cppcheck)
 
 missing=()
 for package in "${packages[@]}"; do

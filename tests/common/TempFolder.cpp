@@ -43,9 +43,13 @@ TempFolder::TempFolder(size_t uiPathUnits)
     static LONG s_lNext = 0;
     wchar_t szTemp[MAX_PATH];
     REQUIRE(GetTempPathW(MAX_PATH, szTemp) != 0);
-    m_strRoot = szTemp + std::wstring(L"vt") + std::to_wstring(GetCurrentProcessId()) + L"x" +
-                std::to_wstring(InterlockedIncrement(&s_lNext));
-    REQUIRE(CreateDirectoryW(m_strRoot.c_str(), nullptr));
+    // A run that crashed leaves its folders behind, and the platform gives process ids out again: such a name is passed by.
+    do
+    {
+        m_strRoot = szTemp + std::wstring(L"vt") + std::to_wstring(GetCurrentProcessId()) + L"x" +
+                    std::to_wstring(InterlockedIncrement(&s_lNext));
+    } while (!CreateDirectoryW(m_strRoot.c_str(), nullptr) && GetLastError() == ERROR_ALREADY_EXISTS);
+    REQUIRE(PathExists(m_strRoot));
     m_strPath = m_strRoot;
     if (uiPathUnits != 0)
     {

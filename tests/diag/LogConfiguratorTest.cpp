@@ -260,7 +260,13 @@ TEST_CASE("the end of logging closes the log file, and later calls are silent", 
         LogInfo("before");
     }
     const std::string strBefore = logging.Text();
+    SetLastError(5);
+    errno = ENOENT;
     StopLogging();
+    const DWORD dwLastError = GetLastError();
+    const int iErrno = errno;
+    CHECK(dwLastError == 5);
+    CHECK(iErrno == ENOENT);
     CHECK(loggingDisabled);
     CHECK(log4cpp::Appender::getAppender("logFile") == nullptr);
     {

@@ -2,11 +2,14 @@
 //   storeworker hold MUTEX READY-EVENT   takes the mutex, signals the event, and waits to be ended
 //   storeworker read COUNT VIEW          asks COUNT times for the paper list
 //   storeworker write COUNT VIEW         writes COUNT snapshots
+//   storeworker append 100W VIEW         appends 1,000 messages of writer W, 0 to 3, to the Message.dat of the user
+//   "lin"
 // VIEW is the key below HKEY_CURRENT_USER that takes the place of HKEY_LOCAL_MACHINE. Prints one line and ends with 0
 // when every answer was whole, with 1 when not, with 2 when it was called wrongly.
 
 #include "state/ComputerCaps.h"
 #include "state/PrinterConfig.h"
+#include "state/UserRecords.h"
 
 #include <windows.h>
 
@@ -60,6 +63,16 @@ void WriteOnce(WORD wNumber)
     VelUtility::MakePrinterConfig(&info, &caps);
 }
 
+/// Appends a message that tells its writer, its number and, by its length and letter, whether it is whole.
+bool AppendOnce(int iWriter, int iNumber)
+{
+    char szHead[16];
+    sprintf(szHead, "[%d:%04d:", iWriter, iNumber);
+    const std::string strMessage = szHead + std::string(20 + 40 * iWriter, static_cast<char>('a' + iWriter)) + "]\n";
+    return VelUtility::AppendUserMessageFile(L"lin", reinterpret_cast<const BYTE*>(strMessage.data()),
+                                             static_cast<DWORD>(strMessage.size())) == 0;
+}
+
 } // namespace
 
 extern "C" int wmain(int argc, wchar_t* argv[])
@@ -76,11 +89,17 @@ extern "C" int wmain(int argc, wchar_t* argv[])
         return 2;
     }
     RegOverridePredefKey(HKEY_LOCAL_MACHINE, hView);
-    const int iCount = _wtoi(argv[2]);
+    const int iArgument = _wtoi(argv[2]);
+    const bool bAppends = strAction == L"append";
+    const int iCount = bAppends ? 1000 : iArgument;
     int iBad = 0;
     for (int i = 0; i < iCount; ++i)
     {
-        if (strAction == L"read")
+        if (bAppends)
+        {
+            iBad += AppendOnce(iArgument - 1000, i) ? 0 : 1;
+        }
+        else if (strAction == L"read")
         {
             iBad += ReadOnce() ? 0 : 1;
         }

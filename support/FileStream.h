@@ -1,0 +1,33 @@
+#pragma once
+/// Owner of a C runtime stream.
+
+#include <cstdio>
+
+/// Closes its stream at the end of its scope.
+class FileStream
+{
+public:
+    FileStream() noexcept = default;
+    ~FileStream()
+    {
+        if (m_pFile != nullptr)
+        {
+            std::fclose(m_pFile);
+        }
+    }
+    FileStream(const FileStream&) = delete;
+    FileStream& operator=(const FileStream&) = delete;
+
+    /// Opens a file; called once.
+    /// @param pszMode as _wfopen takes it.
+    /// @return whether it opened; errno tells why not.
+    bool Open(const wchar_t* pszPath, const wchar_t* pszMode) noexcept
+    {
+        m_pFile = _wfopen(pszPath, pszMode);
+        return m_pFile != nullptr;
+    }
+    FILE* Get() const noexcept { return m_pFile; }
+
+private:
+    FILE* m_pFile = nullptr;
+};

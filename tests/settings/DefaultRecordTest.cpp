@@ -1,0 +1,95 @@
+#include "settings/DefaultRecord.h"
+#include "support/ModuleTexts.h"
+#include "tests/common/BuiltModule.h"
+#include "tests/common/ClientFixture.h"
+
+#include <catch2/catch.hpp>
+
+namespace
+{
+
+/// A client whose user has no DevMode.dat; the module's texts come from the built DLL.
+struct DefaultFixture : ClientFixture
+{
+    DefaultFixture() : hOld(g_hModule) { g_hModule = module.handle; }
+    ~DefaultFixture() { g_hModule = hOld; }
+    std::wstring DevModeFile() const { return folder.File(L"QPS@VEL_DevMode.dat"); }
+    void WritePapers(const std::vector<int>& papers)
+    {
+        std::vector<std::pair<std::wstring, std::wstring>> keys = {{L"PapersCount", std::to_wstring(papers.size())}};
+        for (size_t i = 0; i < papers.size(); ++i)
+        {
+            keys.emplace_back(L"Papers" + std::to_wstring(i), std::to_wstring(papers[i]));
+        }
+        WriteCaps(keys);
+    }
+
+    BuiltModule module;
+    HMODULE hOld;
+};
+
+} // namespace
+
+TEST_CASE_METHOD(DefaultFixture, "the hard-coded default has its values and zeroes in all other fields",
+                 "[settings][default]")
+{
+    stuDrvDevmode record;
+    memset(&record, 0xEE, sizeof(record));
+    CHECK(SubSetDevMode(&record) == 1);
+
+    DEVMODEW expected = {};
+    wcscpy(expected.dmDeviceName, L"VelPrinter");
+    expected.dmSpecVersion = 0x401;
+    expected.dmDriverVersion = 0x500;
+    expected.dmSize = 220;
+    expected.dmDriverExtra = 12;
+    expected.dmFields = 0x9903;
+    expected.dmOrientation = 1;
+    expected.dmPaperSize = 9;
+    expected.dmCopies = 1;
+    expected.dmColor = 1;
+    expected.dmDuplex = 1;
+    CHECK(memcmp(&record.stuDevmode, &expected, 220) == 0);
+    CHECK(record.dwTailWord0 == 0xEEEEEEEE); // the tail is not touched
+    CHECK(record.dwNoWaterPrint == 0xEEEEEEEE);
+    CHECK(record.dwTailWord2 == 0xEEEEEEEE);
+}
+
+TEST_CASE_METHOD(DefaultFixture, "the default record is the user's file as it stands", "[settings][default]")
+{
+    std::string strFile(220, 'q');
+    WriteFileBytes(DevModeFile(), strFile);
+    stuDrvDevmode record = {};
+    CHECK(SubSetDevMode(&record) == 1);
+    CHECK(std::string(reinterpret_cast<char*>(&record), 220) == strFile);
+    CHECK(record.dwTailWord0 == 0);
+}
+
+TEST_CASE_METHOD(DefaultFixture, "a file of 219 bytes gives the hard-coded default", "[settings][default]")
+{
+    WriteFileBytes(DevModeFile(), std::string(219, 'q'));
+    stuDrvDevmode record = {};
+    CHECK(SubSetDevMode(&record) == 1);
+    CHECK(record.stuDevmode.dmFields == 0x9903);
+}
+
+TEST_CASE_METHOD(DefaultFixture, "the default paper is A4 where listed, else the first", "[settings][default]")
+{
+    WritePapers({1, 9});
+    CHECK(SubSetDefPaperSize() == 9);
+    WritePapers({1, 5});
+    CHECK(SubSetDefPaperSize() == 1);
+    WritePapers({9});
+    CHECK(SubSetDefPaperSize() == 9);
+    WritePapers({40000, 5});
+    CHECK(SubSetDefPaperSize() == static_cast<short>(40000));
+}
+
+TEST_CASE_METHOD(DefaultFixture, "the default paper is A4 where papers can't be read", "[settings][default]")
+{
+    CHECK(SubSetDefPaperSize() == 9);                        // no file
+    WriteCaps({{L"PapersCount", L"2"}, {L"Papers0", L"1"}}); // a missing entry
+    CHECK(SubSetDefPaperSize() == 9);
+    WritePapers({}); // nothing to be the first
+    CHECK(SubSetDefPaperSize() == 9);
+}
