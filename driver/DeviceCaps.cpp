@@ -1,4 +1,5 @@
 #include "diag/LogSite.h"
+#include "driver/ResidentClient.h"
 #include "settings/DriverDevmode.h"
 #include "state/ComputerCaps.h"
 #include "state/PrinterCaps.h"
@@ -84,6 +85,8 @@ DWORD AnswerNames(WORD DeviceCap, PVOID pvOutput, DWORD cchBuf)
 extern "C" DWORD WINAPI DrvDeviceCapabilities(HANDLE hPrinter, PWSTR pDeviceName, WORD iDevCap, PVOID pvOutput,
                                               PDEVMODEW /*pDevMode*/)
 {
+    // Before anything else, for every code, also for those that are then refused.
+    CheckResidentClient();
     TRACE_FUNCTION("DrvDeviceCapabilities");
     LOG_INVOKED();
     LOG_DEBUG("hPrinter = 0x%08X", LowBits(hPrinter));

@@ -3,12 +3,14 @@
 
 #include "tests/common/PrivateRegistry.h"
 #include "tests/common/TempFolder.h"
+#include "tests/common/UserName.h"
 
 #include <string>
 #include <utility>
 #include <vector>
 
-/// Sets up InstallDir, DataDir, TempDir and LogDir, all naming one scratch folder.
+/// Sets up InstallDir, DataDir, TempDir and LogDir, all naming one scratch folder. The user is SYSTEM, for whom the
+/// module does not look after the resident client.
 class ClientFixture
 {
 public:
@@ -19,6 +21,7 @@ public:
     /// Writes Config.ini with one section DeviceCapabilities, as UTF-16 so that every text survives in every code page.
     void WriteCaps(const std::vector<std::pair<std::wstring, std::wstring>>& keys) const;
 
+    UserName system{L"SYSTEM"};
     TempFolder folder;
     PrivateRegistry registry;
 };

@@ -43,7 +43,8 @@ TempFolder::TempFolder(size_t uiPathUnits)
     static LONG s_lNext = 0;
     wchar_t szTemp[MAX_PATH];
     REQUIRE(GetTempPathW(MAX_PATH, szTemp) != 0);
-    // A run that crashed leaves its folders behind, and the platform gives process ids out again: such a name is passed by.
+    // A run that crashed leaves its folders behind, and the platform gives process ids out again: such a name is passed
+    // by.
     do
     {
         m_strRoot = szTemp + std::wstring(L"vt") + std::to_wstring(GetCurrentProcessId()) + L"x" +

@@ -1,6 +1,7 @@
 #include "tests/common/BuiltModule.h"
 #include "tests/common/PrivateRegistry.h"
 #include "tests/common/TempFolder.h"
+#include "tests/common/UserName.h"
 
 #include <catch2/catch.hpp>
 
@@ -100,6 +101,7 @@ public:
 
 private:
     wchar_t m_szOld[MAX_PATH];
+    UserName m_system{L"SYSTEM"}; // no look after the resident client
     TempFolder m_folder;
     PrivateRegistry m_registry;
 };

@@ -1,0 +1,35 @@
+#pragma once
+/// Failures and counts at a module's import table.
+
+#include <windows.h>
+
+#include <string>
+
+/// Replaces one imported function of a module for the length of a scope. Every call that the module makes to it goes to
+/// the replacement; calls of other modules do not. One hook a function at a time.
+class ImportHook
+{
+public:
+    /// @param hModule         whose table; null for the test program, which holds the library's code too.
+    /// @param pszFunction     the imported name, whichever library it comes from. The test fails when it isn't
+    /// imported.
+    /// @param pfnReplacement  a function of the same type.
+    template <typename Function>
+    ImportHook(HMODULE hModule, const char* pszFunction, Function* pfnReplacement)
+    {
+        Install(hModule, pszFunction, reinterpret_cast<void*>(pfnReplacement));
+    }
+    ~ImportHook();
+    ImportHook(const ImportHook&) = delete;
+    ImportHook& operator=(const ImportHook&) = delete;
+
+    /// The function that was there.
+    void* Original() const { return m_pfnOriginal; }
+
+private:
+    void Install(HMODULE hModule, const char* pszFunction, void* pfnReplacement);
+    void Write(void* pfn);
+
+    void** m_ppfnSlot = nullptr;
+    void* m_pfnOriginal = nullptr;
+};

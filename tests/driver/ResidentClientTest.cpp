@@ -1,0 +1,294 @@
+// The resident client's launcher, through the built DLL: each test loads the module anew, and so starts from the
+// unknown state. The client's program is a stand-in in a Program Files folder of the test's own.
+
+#include "diag/Log.h"
+#include "driver/ResidentClient.h"
+#include "support/Exception.h"
+#include "support/ProcessWalk.h"
+#include "tests/common/ChildProcess.h"
+#include "tests/common/BuiltModule.h"
+#include "tests/common/ClientFixture.h"
+#include "tests/common/ImportHook.h"
+#include "tests/common/LogLines.h"
+#include "tests/common/StandIns.h"
+#include "tests/common/UserName.h"
+
+#include <catch2/catch.hpp>
+
+#include <tlhelp32.h>
+
+namespace
+{
+
+int s_iUserNames = 0;
+int s_iVersions = 0;
+int s_iWalks = 0;
+bool s_bFailWalk = false;
+
+BOOL WINAPI CountUserName(LPWSTR psz, LPDWORD pcch)
+{
+    ++s_iUserNames;
+    return GetUserNameW(psz, pcch);
+}
+
+DWORD WINAPI CountVersion(DWORD dwPid)
+{
+    ++s_iVersions;
+    return GetProcessVersion(dwPid);
+}
+
+HANDLE WINAPI CountWalk(DWORD dwFlags, DWORD dwPid)
+{
+    s_iWalks += dwFlags == TH32CS_SNAPPROCESS ? 1 : 0;
+    if (s_bFailWalk)
+    {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return INVALID_HANDLE_VALUE;
+    }
+    return CreateToolhelp32Snapshot(dwFlags, dwPid);
+}
+
+/// A test's client: its program, its user, and counts of the calls that the module makes.
+class LauncherFixture : public ClientFixture
+{
+public:
+    LauncherFixture()
+        : programs(folder.File(L"Program Files")), strClient(programs + L"\\Vel-soft\\Client\\VelprintD.exe"),
+          userNames(module.handle, "GetUserNameW", &CountUserName),
+          versions(module.handle, "GetProcessVersion", &CountVersion),
+          walks(module.handle, "CreateToolhelp32Snapshot", &CountWalk)
+    {
+        MakeFolders(programs + L"\\Vel-soft\\Client");
+        registry.SetText(L"Software\\Microsoft\\Windows\\CurrentVersion", L"ProgramFilesDir", programs);
+        ResetCounts();
+    }
+    ~LauncherFixture() { StopClient(strClient); }
+
+    void ResetCounts()
+    {
+        s_iUserNames = s_iVersions = s_iWalks = 0;
+        s_bFailWalk = false;
+    }
+    /// One query of a constant, at whose head the check stands.
+    void Check() { REQUIRE(module.DeviceCapabilities(nullptr, nullptr, DC_SIZE, nullptr, nullptr) == 220); }
+    /// How many clients from that path run.
+    static int Running(const std::wstring& strPath)
+    {
+        int iRunning = 0;
+        for (const Win32::ProcessInfo& process : Win32::WalkProcesses())
+        {
+            iRunning += _wcsicmp(process.szExeFile.c_str(), L"VelprintD.exe") == 0 &&
+                                Win32::IsProcessHostingModule(process.th32ProcessID, strPath)
+                            ? 1
+                            : 0;
+        }
+        return iRunning;
+    }
+    static void WaitForRunning(const std::wstring& strPath, int iExpected)
+    {
+        for (int i = 0; i < 500 && Running(strPath) != iExpected; ++i)
+        {
+            Sleep(20);
+        }
+        REQUIRE(Running(strPath) == iExpected);
+    }
+    static void StopClient(const std::wstring& strPath)
+    {
+        WriteFileBytes(strPath + L".stop", "");
+        for (int i = 0; i < 500 && Running(strPath) != 0; ++i)
+        {
+            Sleep(20);
+        }
+        DeleteFileW((strPath + L".stop").c_str());
+        DeleteFileW((strPath + L".ran").c_str());
+    }
+
+    const UserName user{L"mei"};
+    const std::wstring programs;
+    const std::wstring strClient;
+    BuiltModule module;
+    ImportHook userNames;
+    ImportHook versions;
+    ImportHook walks;
+};
+
+} // namespace
+
+TEST_CASE_METHOD(LauncherFixture, "the first check starts the client with its quoted path as the only argument",
+                 "[driver][client]")
+{
+    PlaceStandIn(strClient);
+    Check();
+    CHECK(CommandLineOfRun(strClient) == L"\"" + strClient + L"\"");
+    CHECK(s_iWalks == 1);
+    CHECK(s_iVersions == 0);
+}
+
+TEST_CASE_METHOD(LauncherFixture, "the second check finds the client by a walk and the third does no walk",
+                 "[driver][client]")
+{
+    PlaceStandIn(strClient);
+    Check();
+    WaitForRunning(strClient, 1);
+    ResetCounts();
+    Check();
+    CHECK(s_iWalks == 1);
+    CHECK(Running(strClient) == 1);
+    ResetCounts();
+    Check();
+    CHECK(s_iWalks == 0);
+    CHECK(s_iUserNames == 1);
+    CHECK(s_iVersions == 1);
+    CHECK(Running(strClient) == 1);
+}
+
+TEST_CASE_METHOD(LauncherFixture, "a client that ended is found dead and started again in the same call",
+                 "[driver][client]")
+{
+    PlaceStandIn(strClient);
+    Check();
+    WaitForRunning(strClient, 1);
+    Check();
+    StopClient(strClient);
+    // The platform answers for a dead id for up to two seconds more; the check goes by that answer.
+    const DWORD dwStart = GetTickCount();
+    do
+    {
+        Check();
+        Sleep(50);
+    } while (!PathExists(strClient + L".ran") && GetTickCount() - dwStart < 10000);
+    CHECK(CommandLineOfRun(strClient) == L"\"" + strClient + L"\"");
+    WaitForRunning(strClient, 1);
+}
+
+TEST_CASE_METHOD(LauncherFixture, "a client of the same name from another folder does not count", "[driver][client]")
+{
+    const std::wstring strOther = folder.File(L"velprintd.exe");
+    PlaceStandIn(strOther);
+    ChildProcess other(strOther, {});
+    REQUIRE_FALSE(WaitForRun(strOther).empty());
+    PlaceStandIn(strClient);
+    Check();
+    CHECK_FALSE(WaitForRun(strClient).empty());
+    StopClient(strOther);
+}
+
+TEST_CASE_METHOD(LauncherFixture, "the user SYSTEM starts nothing and walks over nothing", "[driver][client]")
+{
+    PlaceStandIn(strClient);
+    const UserName system(L"SYSTEM");
+    Check();
+    Check();
+    CHECK(s_iUserNames == 2);
+    CHECK(s_iWalks == 0);
+    CHECK(s_iVersions == 0);
+    CHECK(WaitForRun(strClient, 300).empty());
+}
+
+TEST_CASE_METHOD(LauncherFixture, "the user system in small letters starts the client", "[driver][client]")
+{
+    PlaceStandIn(strClient);
+    const UserName system(L"system");
+    Check();
+    CHECK_FALSE(WaitForRun(strClient).empty());
+}
+
+TEST_CASE_METHOD(LauncherFixture, "a missing client starts nothing and the query answers as ever", "[driver][client]")
+{
+    WriteCaps({{L"Copies", L"7"}});
+    CHECK(module.DeviceCapabilities(nullptr, nullptr, DC_COPIES, nullptr, nullptr) == 7);
+    CHECK(module.DeviceCapabilities(nullptr, nullptr, DC_FIELDS, nullptr, nullptr) == 0xFFFFFFFF);
+    CHECK(s_iWalks == 2); // each check looks anew
+}
+
+TEST_CASE_METHOD(LauncherFixture, "a user whose name can't be had starts nothing", "[driver][client]")
+{
+    PlaceStandIn(strClient);
+    const UserName nobody(nullptr);
+    Check();
+    CHECK(s_iWalks == 0);
+    CHECK(WaitForRun(strClient, 300).empty());
+}
+
+TEST_CASE_METHOD(LauncherFixture, "a failing walk starts nothing and the query answers as ever", "[driver][client]")
+{
+    PlaceStandIn(strClient);
+    s_bFailWalk = true;
+    Check();
+    CHECK(WaitForRun(strClient, 300).empty());
+    s_bFailWalk = false;
+    Check();
+    CHECK_FALSE(WaitForRun(strClient).empty());
+}
+
+TEST_CASE_METHOD(LauncherFixture, "a client's file that is no program raises nothing", "[driver][client]")
+{
+    WriteFileBytes(strClient, "not a program");
+    Check();
+    Check();
+    CHECK(s_iWalks == 2);
+}
+
+TEST_CASE_METHOD(LauncherFixture, "DrvSplDeviceCaps checks for no client", "[driver][client]")
+{
+    PlaceStandIn(strClient);
+    module.SplDeviceCaps(nullptr, nullptr, DC_PAPERNAMES, nullptr, 0, nullptr);
+    CHECK(s_iUserNames == 0);
+    CHECK(s_iWalks == 0);
+}
+
+TEST_CASE_METHOD(LauncherFixture, "1,000 checks with a known client lose no handle", "[driver][client]")
+{
+    PlaceStandIn(strClient);
+    Check();
+    WaitForRunning(strClient, 1);
+    Check();
+    const auto nextHandle = [] {
+        const HANDLE hEvent = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        CloseHandle(hEvent);
+        return hEvent;
+    };
+    const HANDLE hBefore = nextHandle();
+    for (int i = 0; i < 1000; ++i)
+    {
+        Check();
+    }
+    CHECK(nextHandle() == hBefore);
+}
+
+TEST_CASE("a failed start is logged only on a thread inside a traced function", "[driver][client][log]")
+{
+    PrivateRegistry registry;
+    const TempFolder folder;
+    registry.SetText(L"Software\\Microsoft\\Windows\\CurrentVersion", L"ProgramFilesDir", folder.Path());
+    const UserName user(L"mei");
+    const LoggingOn logging{"OutputParam"};
+    CheckResidentClient();
+    CHECK(logging.Lines().empty());
+    {
+        const TraceScope scope("Outer");
+        CheckResidentClient();
+        CheckResidentClient();
+    }
+    // The path was built by the first check of this process, which may have been another test's.
+    const std::vector<std::string> lines = Masked(logging);
+    REQUIRE(lines.size() == 2);
+    const std::string strHead = "FATAL - VelUI(#)Failed to launch apps. err = ";
+    const std::string strTail = "\\Vel-soft\\Client\\VelprintD.exe";
+    for (const std::string& strLine : lines)
+    {
+        CHECK(strLine.substr(0, strHead.size()) == strHead);
+        CHECK(strLine.substr(strLine.size() - strTail.size()) == strTail);
+    }
+}
+
+TEST_CASE("a process that is gone is not alive, and leaves a line inside a traced function", "[driver][client][log]")
+{
+    CHECK(IsClientProcessAlive(GetCurrentProcessId()));
+    const LoggingOn logging;
+    const TraceScope scope("Outer");
+    CHECK_FALSE(IsClientProcessAlive(0x7FFFFFF0));
+    const std::vector<std::string> lines = Masked(logging);
+    REQUIRE(lines.size() == 1);
+    CHECK(lines[0] == "ERROR - VelUI(#) : ::GetLastError() = 87");
+}
