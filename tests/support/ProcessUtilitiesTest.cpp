@@ -1,0 +1,405 @@
+#include "support/Account.h"
+#include "support/CommandLine.h"
+#include "support/Exception.h"
+#include "support/PathNames.h"
+#include "support/ProcessWalk.h"
+#include "support/ScopeGuard.h"
+#include "tests/common/BuiltModule.h"
+#include "tests/common/ChildProcess.h"
+#include "tests/common/ImportHook.h"
+#include "tests/common/PrivateRegistry.h"
+#include "tests/common/StandIns.h"
+#include "tests/common/UserName.h"
+
+#include <boost/bind/bind.hpp>
+#include <catch2/catch.hpp>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+#include <tlhelp32.h>
+#include <vector>
+
+using namespace Win32;
+
+namespace
+{
+
+/// A platform call that fails with code 5, whatever its arguments.
+template <typename... Arguments>
+BOOL WINAPI FailCall(Arguments...)
+{
+    SetLastError(5);
+    return FALSE;
+}
+
+template <typename... Arguments>
+HANDLE WINAPI FailSnapshot(Arguments...)
+{
+    SetLastError(5);
+    return INVALID_HANDLE_VALUE;
+}
+
+HRESULT WINAPI FailFolder(HWND, int, HANDLE, DWORD, LPWSTR)
+{
+    return E_FAIL;
+}
+
+constexpr int kManyArguments = 1237;
+
+/// Fails for the size of the array of so many arguments, and gives memory for every other.
+void* FailArgumentArray(size_t cbSize)
+{
+    if (cbSize == (kManyArguments + 1) * sizeof(wchar_t*))
+    {
+        errno = ENOMEM;
+        return nullptr;
+    }
+    return std::calloc(1, cbSize);
+}
+
+TOKEN_PRIVILEGES s_adjusted;
+BOOL WINAPI RecordAdjust(HANDLE, BOOL, PTOKEN_PRIVILEGES pPrivileges, DWORD, PTOKEN_PRIVILEGES, PDWORD)
+{
+    s_adjusted = *pPrivileges;
+    SetLastError(ERROR_NOT_ALL_ASSIGNED);
+    return TRUE;
+}
+
+std::wstring s_strLookedUp;
+BOOL WINAPI RecordLookup(LPCWSTR, LPCWSTR pszName, PLUID pLuid)
+{
+    s_strLookedUp = pszName;
+    *pLuid = {20, 0};
+    return TRUE;
+}
+
+/// Runs a call that is to throw for a failed platform call, and checks the whole text and that no handle was lost.
+template <typename Call>
+void CheckThrows(const wchar_t* pszApi, Call call)
+{
+    const auto nextHandle = [] {
+        const HANDLE hEvent = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        CloseHandle(hEvent);
+        return hEvent;
+    };
+    const HANDLE hBefore = nextHandle();
+    std::wstring strText = L"nothing was thrown";
+    DWORD dwCode = 0;
+    try
+    {
+        call();
+    }
+    catch (const Win32Exception& exception)
+    {
+        strText = exception.WhatW();
+        dwCode = exception.errorCode;
+    }
+    CHECK(strText == FormatLastErrorText(pszApi, 5, nullptr));
+    CHECK(dwCode == 5);
+    CHECK(nextHandle() == hBefore);
+}
+
+std::vector<std::wstring> Split(const std::wstring& strText)
+{
+    std::list<std::wstring> tokens;
+    Language::SplitCommandLine(strText, tokens);
+    return {tokens.begin(), tokens.end()};
+}
+
+int s_iGuarded = 0;
+int CountGuarded(int iBy)
+{
+    return s_iGuarded += iBy;
+}
+
+} // namespace
+
+TEST_CASE("a user's name that can't be had is thrown", "[support][account]")
+{
+    const ImportHook hook(nullptr, "GetUserNameW", &FailCall<LPWSTR, LPDWORD>);
+    CheckThrows(L"GetUserNameW", [] { GetUserNameString(); });
+    CheckThrows(L"GetUserNameW", [] { IsSystemUser(); });
+}
+
+TEST_CASE("only the six capital letters are the system user", "[support][account]")
+{
+    struct Row
+    {
+        const wchar_t* pszName;
+        bool bSystem;
+    };
+    for (const Row& row : {Row{L"SYSTEM", true}, Row{L"system", false}, Row{L"SYSTEM ", false}, Row{L"SYSTE", false},
+                           Row{L"SYSTEMX", false}, Row{L"mei", false}})
+    {
+        const UserName user(row.pszName);
+        CHECK(GetUserNameString() == row.pszName);
+        CHECK(IsSystemUser() == row.bSystem);
+    }
+}
+
+TEST_CASE("the Program Files folder that can't be had is empty, looked for again, and then kept", "[support][account]")
+{
+    const bool bKnown = !GetProgramFilesFolder().empty();
+    {
+        const ImportHook hook(nullptr, "SHGetFolderPathW", &FailFolder);
+        CHECK(GetProgramFilesFolder().empty() == !bKnown);
+    }
+    const std::wstring& strFolder = GetProgramFilesFolder();
+    CHECK_FALSE(strFolder.empty());
+    CHECK(strFolder.back() != L'\\');
+    const ImportHook hook(nullptr, "SHGetFolderPathW", &FailFolder);
+    CHECK(&GetProgramFilesFolder() == &strFolder);
+    CHECK_FALSE(GetProgramFilesFolder().empty());
+}
+
+TEST_CASE("each failed step of the debug right is thrown by its own word", "[support][privilege]")
+{
+    {
+        const ImportHook hook(nullptr, "OpenProcessToken", &FailCall<HANDLE, DWORD, PHANDLE>);
+        CheckThrows(L"OpenProcessToken", [] { EnableDebugPrivilege(GetCurrentProcess(), L"x", true); });
+        CHECK_FALSE(TryEnableDebugPrivilege(GetCurrentProcess(), L"x", true));
+    }
+    {
+        const ImportHook hook(nullptr, "LookupPrivilegeValueW", &FailCall<LPCWSTR, LPCWSTR, PLUID>);
+        CheckThrows(L"LookupPrivilegeValue", [] { EnableDebugPrivilege(GetCurrentProcess(), L"x", true); });
+    }
+    {
+        const ImportHook hook(nullptr, "AdjustTokenPrivileges",
+                              &FailCall<HANDLE, BOOL, PTOKEN_PRIVILEGES, DWORD, PTOKEN_PRIVILEGES, PDWORD>);
+        CheckThrows(L"AdjustTokenPrivileges", [] { EnableDebugPrivilege(GetCurrentProcess(), L"x", true); });
+    }
+}
+
+TEST_CASE("the debug right is enabled or removed, whatever name is given, also for a user who lacks it",
+          "[support][privilege]")
+{
+    const ImportHook adjust(nullptr, "AdjustTokenPrivileges", &RecordAdjust);
+    const ImportHook lookup(nullptr, "LookupPrivilegeValueW", &RecordLookup);
+    EnableDebugPrivilege(GetCurrentProcess(), L"SeSomethingElse", true);
+    CHECK(s_strLookedUp == L"SeDebugPrivilege");
+    CHECK(s_adjusted.PrivilegeCount == 1);
+    CHECK(s_adjusted.Privileges[0].Attributes == 2);
+    CHECK(TryEnableDebugPrivilege(GetCurrentProcess(), L"SeDebugPrivilege", false));
+    CHECK(s_adjusted.Privileges[0].Attributes == 4);
+}
+
+TEST_CASE("a walk over processes finds this one with its parts", "[support][walk]")
+{
+    std::vector<ProcessInfo> processes;
+    ProcessSnapshot(std::back_inserter(processes));
+    int iFound = 0;
+    for (const ProcessInfo& process : processes)
+    {
+        if (process.th32ProcessID == GetCurrentProcessId())
+        {
+            ++iFound;
+            CHECK(_wcsicmp(process.szExeFile.c_str(), L"veltests.exe") == 0);
+            CHECK(process.cntThreads >= 1);
+        }
+    }
+    CHECK(iFound == 1);
+}
+
+TEST_CASE("a walk over modules finds this program first, with its address", "[support][walk]")
+{
+    std::vector<ModuleInfo> modules;
+    ModuleSnapshot(GetCurrentProcessId(), std::back_inserter(modules));
+    REQUIRE(modules.size() > 2);
+    CHECK(modules[0].hModule == GetModuleHandleW(nullptr));
+    CHECK(modules[0].modBaseAddr == reinterpret_cast<BYTE*>(GetModuleHandleW(nullptr)));
+    CHECK(modules[0].modBaseSize > 0);
+    CHECK(PathsEqual(modules[0].szExePath, BesideTests(L"veltests.exe")));
+}
+
+TEST_CASE("a snapshot that can't be made is thrown by both walks", "[support][walk]")
+{
+    const ImportHook hook(nullptr, "CreateToolhelp32Snapshot", &FailSnapshot<DWORD, DWORD>);
+    CheckThrows(L"CreateToolhelp32Snapshot", [] { WalkProcesses(); });
+    CheckThrows(L"CreateToolhelp32Snapshot", [] { WalkModules(GetCurrentProcessId()); });
+    CHECK_FALSE(IsProcessHostingModule(GetCurrentProcessId(), BesideTests(L"veltests.exe")));
+}
+
+TEST_CASE("a walk that can't begin is thrown by its own word", "[support][walk]")
+{
+    const ImportHook processes(nullptr, "Process32FirstW", &FailCall<HANDLE, LPPROCESSENTRY32W>);
+    const ImportHook modules(nullptr, "Module32FirstW", &FailCall<HANDLE, LPMODULEENTRY32W>);
+    CheckThrows(L"Process32First", [] { WalkProcesses(); });
+    CheckThrows(L"Module32First", [] { WalkModules(GetCurrentProcessId()); });
+}
+
+TEST_CASE("a walk goes on without the debug right", "[support][walk]")
+{
+    const ImportHook hook(nullptr, "OpenProcessToken", &FailCall<HANDLE, DWORD, PHANDLE>);
+    CHECK(WalkProcesses().size() >= 1);
+}
+
+TEST_CASE("a process hosts its own program in any spelling, and no other", "[support][walk]")
+{
+    CHECK(IsProcessHostingModule(GetCurrentProcessId(), BesideTests(L"VELTESTS.EXE")));
+    CHECK(IsProcessHostingModule(GetCurrentProcessId(), BesideTests(L"x\\..\\veltests.exe")));
+    CHECK_FALSE(IsProcessHostingModule(GetCurrentProcessId(), L"C:\\elsewhere\\veltests.exe"));
+    CHECK_FALSE(IsProcessHostingModule(0x7FFFFFF0, BesideTests(L"veltests.exe")));
+}
+
+TEST_CASE("a path that can't be compared is thrown out of the search through the modules", "[support][walk]")
+{
+    const ImportHook hook(nullptr, "GetFullPathNameW", &FailCall<LPCWSTR, DWORD, LPWSTR, LPWSTR*>);
+    CheckThrows(L"GetFullPathName", [] { IsProcessHostingModule(GetCurrentProcessId(), L"x"); });
+}
+
+TEST_CASE("paths are equal once made full, without regard to case", "[support][paths]")
+{
+    CHECK(PathsEqual(L"C:\\A\\..\\b.EXE", L"c:\\B.exe"));
+    CHECK(PathsEqual(L"C:/a/b", L"c:\\A\\B"));
+    CHECK_FALSE(PathsEqual(L"C:\\b.exe", L"C:\\b.exe1"));
+    CHECK_FALSE(PathsEqual(L"C:\\b.exe", L"D:\\b.exe"));
+}
+
+TEST_CASE("a path that can't be made full is thrown", "[support][paths]")
+{
+    const ImportHook hook(nullptr, "GetFullPathNameW", &FailCall<LPCWSTR, DWORD, LPWSTR, LPWSTR*>);
+    CheckThrows(L"GetFullPathName", [] { PathsEqual(L"a", L"b"); });
+}
+
+TEST_CASE("a path's file name comes with its extension", "[support][paths]")
+{
+    CHECK(PathFileNamePart(L"C:\\Program Files\\Vel-soft\\VelprintD.exe") == L"VelprintD.exe");
+    CHECK(PathFileNamePart(L"VelprintD.exe") == L"VelprintD.exe");
+    CHECK(PathFileNamePart(L"C:\\folder\\") == L"");
+    CHECK(PathFileNamePart(L"C:\\folder\\name") == L"name");
+    CHECK(PathFileNamePart(L"") == L"");
+}
+
+TEST_CASE("a scope guard runs its call once at the end, also when an exception leaves", "[support][guard]")
+{
+    s_iGuarded = 0;
+    {
+        const Language::scope_guard guard(boost::bind(&CountGuarded, 5));
+        CHECK(s_iGuarded == 0);
+    }
+    CHECK(s_iGuarded == 5);
+    try
+    {
+        const Language::scope_guard guard(boost::bind(&CountGuarded, 2));
+        throw 1;
+    }
+    catch (int)
+    {}
+    CHECK(s_iGuarded == 7);
+}
+
+TEST_CASE("a command line falls into words and quoted tokens", "[support][launch]")
+{
+    using Tokens = std::vector<std::wstring>;
+    CHECK(Split(L"").empty());
+    CHECK(Split(L" \t \n").empty());
+    CHECK(Split(L"\"").empty());
+    CHECK(Split(L"a") == Tokens{L"a"});
+    CHECK(Split(L"  a  b\tc ") == Tokens{L"a", L"b", L"c"});
+    CHECK(Split(L"\"C:\\Program Files\\a.exe\" -x") == Tokens{L"\"C:\\Program Files\\a.exe\"", L"-x"});
+    CHECK(Split(L"a\"b c\"d") == Tokens{L"a\"b", L"c\"d"});
+    CHECK(Split(L"\"a\"b \"c\"") == Tokens{L"\"a\"", L"b", L"\"c\""});
+    CHECK(Split(L"\"a\"\"b\"") == Tokens{L"\"a\"", L"\"b\""});
+    CHECK(Split(L"a \"lost b c") == Tokens{L"a"});
+    CHECK(Split(L"\"\"") == Tokens{L"\"\""});
+}
+
+TEST_CASE("tokens are appended behind what the list holds", "[support][launch]")
+{
+    std::list<std::wstring> tokens = {L"first"};
+    Language::SplitCommandLine(L"second", tokens);
+    CHECK(tokens == std::list<std::wstring>{L"first", L"second"});
+}
+
+TEST_CASE("a command line without a token is invalid", "[support][launch]")
+{
+    for (const wchar_t* pszLine : {L"", L"   ", L"\""})
+    {
+        std::wstring strText;
+        try
+        {
+            Language::LaunchCommandLine(pszLine, false);
+        }
+        catch (const Language::InvalidDataException& exception)
+        {
+            strText = exception.WhatW();
+        }
+        CHECK(strText == L"命令的形式不正确。");
+    }
+}
+
+TEST_CASE("a program that is not there is told with its stripped path", "[support][launch]")
+{
+    std::wstring strText;
+    try
+    {
+        Language::LaunchCommandLine(L"\" C:\\no such\\a.exe \" -x", false);
+    }
+    catch (const Language::FileNotFoundException& exception)
+    {
+        strText = exception.WhatW();
+    }
+    CHECK(strText == L"找不到文件 : C:\\no such\\a.exe");
+}
+
+TEST_CASE("a program starts with its quoted first argument and all others", "[support][launch]")
+{
+    const TempFolder folder;
+    const std::wstring strProgram = folder.File(L"a b.exe");
+    PlaceStandIn(strProgram);
+    Language::LaunchCommandLine(L"\"" + strProgram + L"\" -x \"y z\"", true); // waits for its end
+    REQUIRE(PathExists(strProgram + L".ran"));
+    CHECK(CommandLineOfRun(strProgram) == L"\"" + strProgram + L"\" -x \"y z\"");
+}
+
+TEST_CASE("a program is started without a wait where none is asked for", "[support][launch]")
+{
+    const TempFolder folder;
+    const std::wstring strProgram = folder.File(L"VelprintD.exe"); // goes on until it is stopped
+    PlaceStandIn(strProgram);
+    Language::LaunchCommandLine(L"\"" + strProgram + L"\"", false);
+    CHECK_FALSE(WaitForRun(strProgram).empty());
+    WriteFileBytes(strProgram + L".stop", "");
+    for (int i = 0; i < 500 && !DeleteFileW(strProgram.c_str()); ++i)
+    {
+        Sleep(20); // until the program has ended and its file can go
+    }
+    CHECK_FALSE(PathExists(strProgram));
+}
+
+TEST_CASE("an existing file that is no program raises nothing", "[support][launch]")
+{
+    const TempFolder folder;
+    WriteFileBytes(folder.File(L"a.exe"), "no program");
+    Language::LaunchCommandLine(folder.File(L"a.exe"), false);
+    CHECK_FALSE(PathExists(folder.File(L"a.exe.ran")));
+}
+
+TEST_CASE("arguments without memory are told as a failed malloc, and start nothing", "[support][launch]")
+{
+    const TempFolder folder;
+    const std::wstring strProgram = folder.File(L"a.exe");
+    PlaceStandIn(strProgram);
+    // A number of arguments that gives their array a size of its own among all allocations.
+    std::wstring strLine = L"\"" + strProgram + L"\"";
+    for (int i = 1; i < kManyArguments; ++i)
+    {
+        strLine += L" x";
+    }
+    std::string strDetail;
+    {
+        const ImportHook hook(nullptr, "malloc", &FailArgumentArray);
+        try
+        {
+            Language::LaunchCommandLine(strLine, false);
+        }
+        catch (const Language::CrtException& exception)
+        {
+            strDetail = exception.Detail();
+        }
+    }
+    CHECK(strDetail == std::string("malloc failed. err = ") + std::strerror(ENOMEM));
+    CHECK(WaitForRun(strProgram, 200).empty());
+}
