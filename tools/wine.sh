@@ -43,6 +43,10 @@ if [ "$1" = --session ]; then
     shift
     # The session lives as long as one program in it: a command interpreter that waits for its input. The platform's
     # services start with it, once and not for each program again.
+    # What an earlier program left is ended first: a session that begins while the platform's services are on their way out
+    # would wait for them for ever.
+    wineserver -k 2>/dev/null
+    wineserver -w 2>/dev/null
     fifo=$build/session.$$
     mkfifo "$fifo"
     wine cmd.exe <"$fifo" >/dev/null 2>&1 &

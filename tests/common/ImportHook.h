@@ -6,7 +6,8 @@
 #include <string>
 
 /// Replaces one imported function of a module for the length of a scope. Every call that the module makes to it goes to
-/// the replacement; calls of other modules do not. One hook a function at a time.
+/// the replacement; calls of other modules do not. One hook a function at a time. A replacement in the hooked module
+/// itself that wants the real function must fetch its address: a call by name would come back to it.
 class ImportHook
 {
 public:

@@ -1,0 +1,208 @@
+// Printer events through a copy of the built DLL in a folder of the test's own, with stand-ins for its tools beside it.
+
+#include "driver/DependsFile.h"
+#include "support/PrinterInterface.h"
+#include "tests/common/LogLines.h"
+#include "tests/common/PrivateRegistry.h"
+#include "tests/common/StandIns.h"
+
+#include <catch2/catch.hpp>
+
+namespace
+{
+
+/// A driver folder with the module and, where asked, its two tools.
+class DriverFolder
+{
+public:
+    explicit DriverFolder(const std::wstring& strName, bool bTools = true) : m_strFolder(m_temp.File(strName))
+    {
+        REQUIRE(CreateDirectoryW(m_strFolder.c_str(), nullptr));
+        REQUIRE(CopyFileW(ModulePath().c_str(), File(L"VelUI.dll").c_str(), FALSE));
+        if (bTools)
+        {
+            PlaceStandIn(File(L"velup.exe"));
+            PlaceStandIn(File(L"veldel.exe"));
+        }
+        m_hModule = LoadLibraryW(File(L"VelUI.dll").c_str());
+        REQUIRE(m_hModule != nullptr);
+        m_pfnEvent = reinterpret_cast<decltype(&DrvPrinterEvent)>(
+            reinterpret_cast<void*>(GetProcAddress(m_hModule, "DrvPrinterEvent")));
+        REQUIRE(m_pfnEvent != nullptr);
+    }
+    ~DriverFolder() { FreeLibrary(m_hModule); }
+    std::wstring File(const std::wstring& strName) const { return m_strFolder + L"\\" + strName; }
+    BOOL Event(INT iEvent, const wchar_t* pszPrinter, DWORD dwFlags = 0) const
+    {
+        return m_pfnEvent(const_cast<wchar_t*>(pszPrinter), iEvent, dwFlags, 0);
+    }
+    bool Ran(const wchar_t* pszTool, DWORD dwMilliseconds = 20000) const
+    {
+        return !WaitForRun(File(pszTool), dwMilliseconds).empty();
+    }
+
+private:
+    PrivateRegistry m_registry;
+    TempFolder m_temp;
+    std::wstring m_strFolder;
+    HMODULE m_hModule = nullptr;
+    decltype(&DrvPrinterEvent) m_pfnEvent = nullptr;
+};
+
+} // namespace
+
+TEST_CASE("an added connection is recorded and starts its tool without arguments", "[driver][events]")
+{
+    const DriverFolder driver(L"drv");
+    CHECK(driver.Event(PRINTER_EVENT_ADD_CONNECTION, L"\\\\host\\x") == 1);
+    CHECK(ReadFileBytes(driver.File(L"velinfo.ini")) == "[PrinterConnection]\r\nPrinterName=\\\\host\\x\r\n");
+    CHECK(CommandLineOfRun(driver.File(L"velup.exe")) == driver.File(L"velup.exe"));
+    CHECK_FALSE(PathExists(driver.File(L"veldel.exe.ran")));
+}
+
+TEST_CASE("each added connection overwrites the one before", "[driver][events]")
+{
+    const DriverFolder driver(L"drv", false);
+    CHECK(driver.Event(PRINTER_EVENT_ADD_CONNECTION, L"\\\\host\\first") == 1);
+    CHECK(driver.Event(PRINTER_EVENT_ADD_CONNECTION, L"\\\\host\\second") == 1);
+    CHECK(ReadFileBytes(driver.File(L"velinfo.ini")) == "[PrinterConnection]\r\nPrinterName=\\\\host\\second\r\n");
+}
+
+TEST_CASE("an added connection is recorded also without its tool", "[driver][events]")
+{
+    const DriverFolder driver(L"drv", false);
+    CHECK(driver.Event(PRINTER_EVENT_ADD_CONNECTION, L"\\\\host\\x") == 1);
+    CHECK(PathExists(driver.File(L"velinfo.ini")));
+}
+
+TEST_CASE("an added connection starts its tool also when it can't be recorded", "[driver][events]")
+{
+    const DriverFolder driver(L"drv");
+    REQUIRE(CreateDirectoryW(driver.File(L"velinfo.ini").c_str(), nullptr));
+    CHECK(driver.Event(PRINTER_EVENT_ADD_CONNECTION, L"\\\\host\\x") == 1);
+    CHECK(driver.Ran(L"velup.exe"));
+}
+
+TEST_CASE("a driver folder with blanks in its name starts its tool all the same", "[driver][events]")
+{
+    const DriverFolder driver(L"printer drivers 3");
+    CHECK(driver.Event(PRINTER_EVENT_ADD_CONNECTION, L"\\\\host\\x") == 1);
+    // The path is not quoted, so the tool sees it as several words.
+    CHECK(CommandLineOfRun(driver.File(L"velup.exe")) == driver.File(L"velup.exe"));
+}
+
+TEST_CASE("the end of the spooler's own copy starts its tool, in any case and with white space around the name",
+          "[driver][events]")
+{
+    for (const wchar_t* pszName : {L"\\\\host\\VelPrinter,LocalsplOnly", L"  \\\\HOST\\velprinter,localsplonly  ",
+                                   L"\\VelPrinter,LocalsplOnly\t"})
+    {
+        const DriverFolder driver(L"drv");
+        CHECK(driver.Event(PRINTER_EVENT_DELETE, pszName) == 1);
+        CHECK(CommandLineOfRun(driver.File(L"veldel.exe")) == driver.File(L"veldel.exe"));
+        CHECK_FALSE(PathExists(driver.File(L"velinfo.ini")));
+    }
+}
+
+TEST_CASE("the end of any other printer starts no tool", "[driver][events]")
+{
+    const DriverFolder driver(L"drv");
+    for (const wchar_t* pszName : {L"VelPrinter,LocalsplOnly", L"\\\\host\\VelPrinter", L"VelPrinter", L"",
+                                   L"\\VelPrinter,LocalsplOnlyX", L"\\\\host\\VelPrinter ,LocalsplOnly"})
+    {
+        CHECK(driver.Event(PRINTER_EVENT_DELETE, pszName) == 1);
+    }
+    CHECK(driver.Event(PRINTER_EVENT_DELETE, nullptr) == 1);
+    CHECK_FALSE(driver.Ran(L"veldel.exe", 300));
+}
+
+TEST_CASE("every other event is answered with 1 and touches nothing, whatever its flags", "[driver][events]")
+{
+    const DriverFolder driver(L"drv");
+    for (const INT iEvent : {0, 2, 3, 5, 6, 7, 8, 9, -1, 0x7FFFFFFF})
+    {
+        CAPTURE(iEvent);
+        CHECK(driver.Event(iEvent, L"\\\\host\\VelPrinter,LocalsplOnly") == 1);
+        CHECK(driver.Event(iEvent, L"\\\\host\\VelPrinter,LocalsplOnly", PRINTER_EVENT_FLAG_NO_UI) == 1);
+    }
+    CHECK_FALSE(driver.Ran(L"velup.exe", 200));
+    CHECK_FALSE(PathExists(driver.File(L"veldel.exe.ran")));
+    CHECK_FALSE(PathExists(driver.File(L"velinfo.ini")));
+}
+
+TEST_CASE("a flag that forbids windows changes nothing for an added connection", "[driver][events]")
+{
+    const DriverFolder driver(L"drv");
+    CHECK(driver.Event(PRINTER_EVENT_ADD_CONNECTION, L"\\\\host\\x", PRINTER_EVENT_FLAG_NO_UI) == 1);
+    CHECK(driver.Ran(L"velup.exe"));
+}
+
+TEST_CASE("1,000 events that start nothing lose no handle", "[driver][events]")
+{
+    const DriverFolder driver(L"drv", false);
+    const auto nextHandle = [] {
+        const HANDLE hEvent = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+        CloseHandle(hEvent);
+        return hEvent;
+    };
+    driver.Event(PRINTER_EVENT_ADD_CONNECTION, L"\\\\host\\x");
+    const HANDLE hBefore = nextHandle();
+    for (int i = 0; i < 1000; ++i)
+    {
+        driver.Event(i % 9, L"\\\\host\\VelPrinter,LocalsplOnly");
+    }
+    CHECK(nextHandle() == hBefore);
+}
+
+TEST_CASE("a Chinese printer and a Chinese folder are served under code page 936", "[driver][events][cp936]")
+{
+    REQUIRE(GetACP() == 936);
+    const DriverFolder driver(L"打印 驱动");
+    CHECK(driver.Event(PRINTER_EVENT_ADD_CONNECTION, L"\\\\主机\\打印机") == 1);
+    CHECK(ReadFileBytes(driver.File(L"velinfo.ini")) ==
+          "[PrinterConnection]\r\nPrinterName=\\\\\xD6\xF7\xBB\xFA\\\xB4\xF2\xD3\xA1\xBB\xFA\r\n");
+    CHECK(driver.Ran(L"velup.exe"));
+}
+
+TEST_CASE("a file of the module's folder is named without the folder that was given", "[driver][events]")
+{
+    const DriverFolder driver(L"drv", false);
+    const HMODULE hModule = GetModuleHandleW(driver.File(L"VelUI.dll").c_str());
+    REQUIRE(hModule != nullptr);
+    CHECK(MakeDependsFilePath(hModule, L"x\\y.ini") == driver.File(L"y.ini"));
+    CHECK(MakeDependsFilePath(hModule, L"velup.exe") == driver.File(L"velup.exe"));
+    CHECK(MakeDependsFilePath(nullptr, L"y.ini") == BesideTests(L"y.ini"));
+}
+
+TEST_CASE("each event leaves its name in the log, an unknown one its number", "[driver][events][log]")
+{
+    const char* const names[] = {"PRINTER_EVENT_CONFIGURATION_CHANGE",
+                                 nullptr,
+                                 "PRINTER_EVENT_DELETE_CONNECTION",
+                                 "PRINTER_EVENT_INITIALIZE",
+                                 nullptr,
+                                 "PRINTER_EVENT_CACHE_REFRESH",
+                                 "PRINTER_EVENT_CACHE_DELETE",
+                                 "PRINTER_EVENT_ATTRIBUTES_CHANGED"};
+    wchar_t szName[] = L"P";
+    for (int iEvent = 0; iEvent < 8; ++iEvent)
+    {
+        if (names[iEvent] != nullptr)
+        {
+            const LoggingOn logging{"OutputParam", "OutputFunBeginInfo"};
+            CHECK(DrvPrinterEvent(szName, iEvent, 0, 0) == 1);
+            CHECK(Masked(logging) == std::vector<std::string>{
+                                         "VelUI_dll__DrvPrinterEvent :START......",
+                                         "INFO - DrvPrinterEvent was invoked.", "DEBUG - VelUI(#) : pPrinterName = P",
+                                         std::string("INFO - DriverEvent = ") + names[iEvent],
+                                         "Param - VelUI(#) : bReturn = 1", "VelUI_dll__DrvPrinterEvent :End  ......"});
+        }
+    }
+    const LoggingOn logging{"OutputParam"};
+    DrvPrinterEvent(szName, 8, 0, 0);
+    CHECK(logging.Has("INFO - DriverEvent = 8\n"));
+    DrvPrinterEvent(szName, PRINTER_EVENT_DELETE, 0, 0);
+    CHECK(logging.Has("INFO - DriverEvent = PRINTER_EVENT_DELETE\n"));
+    const std::vector<std::string> lines = Masked(logging);
+    CHECK(std::count(lines.begin(), lines.end(), "DEBUG - VelUI(#) : pPrinterName = P") == 3);
+}

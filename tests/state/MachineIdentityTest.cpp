@@ -1,0 +1,261 @@
+#include <winsock2.h>
+
+#include "state/MachineIdentity.h"
+#include "tests/common/ImportHook.h"
+#include "tests/common/LogLines.h"
+
+#include <catch2/catch.hpp>
+
+#include <cstdlib>
+#include <iphlpapi.h>
+
+using namespace VelUtility;
+
+namespace
+{
+
+/// COMPUTERNAME as the C runtime gives it, for the length of a scope.
+class ComputerName
+{
+public:
+    explicit ComputerName(const wchar_t* pszName) : m_strOld(_wgetenv(L"COMPUTERNAME"))
+    {
+        _wputenv((L"COMPUTERNAME=" + std::wstring(pszName)).c_str());
+    }
+    ~ComputerName() { _wputenv((L"COMPUTERNAME=" + m_strOld).c_str()); }
+
+private:
+    std::wstring m_strOld;
+};
+
+int s_iSocketCalls = 0;
+int WSAAPI CountStartup(WORD wVersion, LPWSADATA pData)
+{
+    ++s_iSocketCalls;
+    return WSAStartup(wVersion, pData);
+}
+int WSAAPI FailStartup(WORD, LPWSADATA)
+{
+    WSASetLastError(WSASYSNOTREADY);
+    return WSASYSNOTREADY;
+}
+int WSAAPI FailName(char*, int)
+{
+    WSASetLastError(WSAENETDOWN);
+    return SOCKET_ERROR;
+}
+hostent* WSAAPI FailHost(const char*)
+{
+    WSASetLastError(WSAHOST_NOT_FOUND);
+    return nullptr;
+}
+
+unsigned char s_first[4] = {10, 20, 30, 40};
+unsigned char s_second[4] = {1, 2, 3, 4};
+char* s_addresses[3];
+hostent s_hostEntry;
+hostent* WSAAPI GiveHost(const char*)
+{
+    s_hostEntry.h_addr_list = s_addresses;
+    return &s_hostEntry;
+}
+
+DWORD s_dwSizeAnswer = ERROR_BUFFER_OVERFLOW;
+DWORD s_dwFillAnswer = ERROR_SUCCESS;
+UINT s_addressLengths[2] = {8, 6};
+ULONG WINAPI GiveAdapters(PIP_ADAPTER_INFO pAdapters, PULONG pcb)
+{
+    if (pAdapters == nullptr)
+    {
+        *pcb = 2 * sizeof(IP_ADAPTER_INFO);
+        return s_dwSizeAnswer;
+    }
+    for (int i = 0; i < 2 && s_dwFillAnswer == ERROR_SUCCESS; ++i)
+    {
+        pAdapters[i] = {};
+        pAdapters[i].Next = i == 0 ? &pAdapters[1] : nullptr;
+        pAdapters[i].AddressLength = s_addressLengths[i];
+        for (BYTE by = 0; by < 8; ++by)
+        {
+            pAdapters[i].Address[by] = static_cast<BYTE>(0x10 * (i + 1) + by);
+        }
+    }
+    return s_dwFillAnswer;
+}
+
+/// Two adapters of the test's own.
+struct Adapters
+{
+    Adapters(UINT uiFirst, UINT uiSecond) : hook(nullptr, "GetAdaptersInfo", &GiveAdapters)
+    {
+        s_addressLengths[0] = uiFirst;
+        s_addressLengths[1] = uiSecond;
+        s_dwSizeAnswer = ERROR_BUFFER_OVERFLOW;
+        s_dwFillAnswer = ERROR_SUCCESS;
+    }
+    ImportHook hook;
+};
+
+std::vector<std::string> LinesOf(const LoggingOn& logging)
+{
+    return Masked(logging);
+}
+
+} // namespace
+
+TEST_CASE("no output asks for nothing and is a success", "[state][machine]")
+{
+    const ImportHook hook(nullptr, "WSAStartup", &CountStartup);
+    s_iSocketCalls = 0;
+    CHECK(GetLocalMachineInfo(nullptr, 0, nullptr, nullptr) == 0);
+    CHECK(s_iSocketCalls == 0);
+}
+
+TEST_CASE("the real machine tells its name and its address", "[state][machine]")
+{
+    wchar_t szName[256] = {};
+    BYTE abyIP[4] = {};
+    REQUIRE(GetLocalMachineInfo(szName, 256, nullptr, abyIP) == 0);
+    CHECK(std::wstring(szName) == _wgetenv(L"COMPUTERNAME"));
+    CHECK(abyIP[0] != 0);
+}
+
+TEST_CASE("a hardware address alone makes no socket call", "[state][machine]")
+{
+    const ImportHook hook(nullptr, "WSAStartup", &CountStartup);
+    const Adapters adapters(6, 6);
+    s_iSocketCalls = 0;
+    BYTE abyMac[6] = {};
+    CHECK(GetLocalMachineInfo(nullptr, 0, abyMac, nullptr) == 0);
+    CHECK(s_iSocketCalls == 0);
+    CHECK(abyMac[0] == 0x10);
+    CHECK(abyMac[5] == 0x15);
+}
+
+TEST_CASE("an adapter with an address of 8 bytes is passed over", "[state][machine]")
+{
+    const Adapters adapters(8, 6);
+    BYTE abyMac[6] = {};
+    CHECK(GetLocalMachineInfo(nullptr, 0, abyMac, nullptr) == 0);
+    CHECK(abyMac[0] == 0x20);
+    CHECK(abyMac[5] == 0x25);
+}
+
+TEST_CASE("every address of 6 bytes is listed in the platform's order", "[state][machine]")
+{
+    const Adapters adapters(6, 6);
+    std::list<MacAddress> addresses;
+    CHECK(GetMACaddress(addresses));
+    REQUIRE(addresses.size() == 2);
+    CHECK(addresses.front()[0] == 0x10);
+    CHECK(addresses.back()[0] == 0x20);
+}
+
+TEST_CASE("a machine without an adapter has no hardware address and says so", "[state][machine]")
+{
+    Adapters adapters(6, 6);
+    s_dwSizeAnswer = ERROR_NO_DATA;
+    const LoggingOn logging;
+    BYTE abyMac[6] = {'#'};
+    CHECK(GetLocalMachineInfo(nullptr, 0, abyMac, nullptr) == 1);
+    CHECK(abyMac[0] == '#');
+    CHECK(LinesOf(logging) == std::vector<std::string>{"ERROR - .\\ClientInfo(#) : dwStatus = 232",
+                                                       "ERROR - .\\ClientInfo(#) : GetMACaddress failed"});
+}
+
+TEST_CASE("adapters that can't be read leave no hardware address", "[state][machine]")
+{
+    Adapters adapters(6, 6);
+    s_dwFillAnswer = ERROR_GEN_FAILURE;
+    const LoggingOn logging;
+    BYTE abyMac[6] = {};
+    CHECK(GetLocalMachineInfo(nullptr, 0, abyMac, nullptr) == 1);
+    CHECK(LinesOf(logging).at(0) == "ERROR - .\\ClientInfo(#) : dwStatus = 31");
+}
+
+TEST_CASE("adapters without an address of 6 bytes leave a failure", "[state][machine]")
+{
+    const Adapters adapters(8, 0);
+    BYTE abyMac[6] = {};
+    CHECK(GetLocalMachineInfo(nullptr, 0, abyMac, nullptr) == 1);
+}
+
+TEST_CASE("the machine's name comes from the environment without the blanks around it", "[state][machine]")
+{
+    const ComputerName name(L"  OFFICE PC\t ");
+    wchar_t szName[32];
+    wmemset(szName, L'#', 32);
+    CHECK(GetLocalMachineInfo(szName, 32, nullptr, nullptr) == 0);
+    CHECK(std::wstring(szName) == L"OFFICE PC");
+    CHECK(szName[10] == L'#'); // no more is written than the name and its terminator
+}
+
+TEST_CASE("a name too long for its buffer fills it without a terminator", "[state][machine]")
+{
+    const ComputerName name(L"ABCDE");
+    wchar_t szName[5] = {L'#', L'#', L'#', L'#', L'#'};
+    CHECK(GetLocalMachineInfo(szName, 3, nullptr, nullptr) == 0);
+    CHECK(std::wstring(szName, 5) == L"ABC##");
+}
+
+TEST_CASE("an unset computer name is a failure with two lines, and no hardware address is sought", "[state][machine]")
+{
+    const ComputerName name(L"");
+    const Adapters adapters(6, 6);
+    const LoggingOn logging;
+    wchar_t szName[8] = L"before";
+    BYTE abyMac[6] = {'#'};
+    CHECK(GetLocalMachineInfo(szName, 8, abyMac, nullptr) == 1);
+    CHECK(std::wstring(szName) == L"before");
+    CHECK(abyMac[0] == '#');
+    CHECK(LinesOf(logging) == std::vector<std::string>{"ERROR - .\\ClientInfo(#) : NULL == pcComputerName",
+                                                       "ERROR - .\\ClientInfo(#) : GetHost failed."});
+}
+
+TEST_CASE("each failed socket step leaves its code", "[state][machine]")
+{
+    wchar_t szName[64] = {};
+    const auto check = [&](const char* pszFunction, auto pfn, const char* pszCode) {
+        const ImportHook hook(nullptr, pszFunction, pfn);
+        const LoggingOn logging;
+        CHECK(GetLocalMachineInfo(szName, 64, nullptr, nullptr) == 1);
+        CHECK(LinesOf(logging) ==
+              std::vector<std::string>{std::string("ERROR - .\\ClientInfo(#) : WSAGetLastError() = ") + pszCode,
+                                       "ERROR - .\\ClientInfo(#) : GetHost failed."});
+    };
+    check("WSAStartup", &FailStartup, "10091");
+    check("gethostname", &FailName, "10050");
+    check("gethostbyname", &FailHost, "11001");
+}
+
+TEST_CASE("the front address is copied as its bytes stand, and none at all is a silent failure", "[state][machine]")
+{
+    const ImportHook hook(nullptr, "gethostbyname", &GiveHost);
+    s_addresses[0] = reinterpret_cast<char*>(s_first);
+    s_addresses[1] = reinterpret_cast<char*>(s_second);
+    s_addresses[2] = nullptr;
+    BYTE abyIP[4] = {};
+    CHECK(GetLocalMachineInfo(nullptr, 0, nullptr, abyIP) == 0);
+    CHECK(memcmp(abyIP, s_first, 4) == 0);
+
+    s_addresses[0] = nullptr;
+    const LoggingOn logging;
+    wchar_t szName[64] = {};
+    CHECK(GetLocalMachineInfo(szName, 64, nullptr, abyIP) == 1);
+    CHECK_FALSE(std::wstring(szName).empty()); // what was filled before stays
+    CHECK(LinesOf(logging).empty());
+}
+
+TEST_CASE("the host's name survives a failed search for a hardware address", "[state][machine]")
+{
+    const Adapters adapters(0, 0);
+    wchar_t szName[64] = {};
+    BYTE abyMac[6] = {};
+    CHECK(GetLocalMachineInfo(szName, 64, abyMac, nullptr) == 1);
+    CHECK(std::wstring(szName) == _wgetenv(L"COMPUTERNAME"));
+}
+
+TEST_CASE("the logon user's information is an empty operation", "[state][machine]")
+{
+    CHECK(GetLogonUserInfo(1, 2, 3, 4) == 1);
+}

@@ -1,0 +1,144 @@
+// What survives when a platform call fails in the middle, made at the import table.
+
+#include "state/ComputerCaps.h"
+#include "state/CurrentUser.h"
+#include "state/PrinterConfig.h"
+#include "state/ProfileWriter.h"
+#include "state/UserRecords.h"
+#include "tests/common/ClientFixture.h"
+#include "tests/common/ImportHook.h"
+
+#include <catch2/catch.hpp>
+
+#include <cstdlib>
+
+using namespace VelUtility;
+
+namespace
+{
+
+std::wstring s_strFailingKey;
+
+/// Fails for one key with "disk full", and writes every other.
+BOOL WINAPI WriteAllButOne(LPCWSTR pszSection, LPCWSTR pszKey, LPCWSTR pszValue, LPCWSTR pszFile)
+{
+    if (s_strFailingKey == pszKey)
+    {
+        SetLastError(ERROR_DISK_FULL);
+        return FALSE;
+    }
+    // By its address: a call by name would go through the patched table again.
+    static const auto pfnWrite = reinterpret_cast<decltype(&WritePrivateProfileStringW)>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "WritePrivateProfileStringW")));
+    return pfnWrite(pszSection, pszKey, pszValue, pszFile);
+}
+
+LONG WINAPI DenyKey(HKEY, LPCWSTR, DWORD, REGSAM, PHKEY)
+{
+    return ERROR_ACCESS_DENIED;
+}
+
+BOOL WINAPI FailComputerName(LPWSTR, LPDWORD)
+{
+    return FALSE;
+}
+
+size_t FailWrite(const void*, size_t, size_t, FILE*)
+{
+    errno = ENOSPC;
+    return 0;
+}
+
+void* FailSmallMalloc(size_t cbSize)
+{
+    return cbSize == 220 ? nullptr : std::calloc(1, cbSize);
+}
+
+} // namespace
+
+TEST_CASE_METHOD(ClientFixture, "a failed write of the fourth element leaves the first three keys", "[state][failures]")
+{
+    const ImportHook hook(nullptr, "WritePrivateProfileStringW", &WriteAllButOne);
+    const std::wstring strFile = folder.File(L"p.ini");
+    const WORD words[] = {1, 2, 3, 4, 5};
+    const WideName names[] = {L"a", L"b", L"c", L"d", L"e"};
+    const POINT points[] = {{1, 1}, {2, 2}, {3, 3}, {4, 4}, {5, 5}};
+    s_strFailingKey = L"K3";
+    CHECK(WritePrivateProfileUINTArray(L"U", L"K", words, 5, strFile.c_str()) == 0);
+    CHECK(WritePrivateProfileStringWArray(L"S", L"K", names, 5, strFile.c_str()) == 0);
+    s_strFailingKey = L"Y3";
+    CHECK(WritePrivateProfilePointArray(L"P", L"X", L"Y", points, 5, strFile.c_str()) == 0);
+    CHECK(ReadFileBytes(strFile) == "[U]\r\nK0=1\r\nK1=2\r\nK2=3\r\n"
+                                    "[S]\r\nK0=a\r\nK1=b\r\nK2=c\r\n"
+                                    "[P]\r\nX0=1\r\nY0=1\r\nX1=2\r\nY1=2\r\nX2=3\r\nY2=3\r\nX3=4\r\n");
+}
+
+TEST_CASE_METHOD(ClientFixture, "a failed first media type leaves its count in the file and no key behind it",
+                 "[state][failures]")
+{
+    const ImportHook hook(nullptr, "WritePrivateProfileStringW", &WriteAllButOne);
+    s_strFailingKey = L"MediaTypes0";
+    const DWORD mediaTypes[] = {1, 2};
+    const PrinterInfo info = {L"P", L"L", L"D"};
+    PrinterCaps caps = {};
+    caps.MediaTypes = mediaTypes;
+    caps.MediaTypesCount = 2;
+    CHECK(MakePrinterConfig(&info, &caps) == 0);
+    const std::string strBytes = ReadFileBytes(ConfigFile());
+    const std::string strEnd = "MediaTypesCount=2\r\n";
+    REQUIRE(strBytes.size() > strEnd.size());
+    CHECK(strBytes.substr(strBytes.size() - strEnd.size()) == strEnd);
+    DWORD values[2] = {};
+    CHECK(GetComputerCaps(DC_MEDIATYPES, nullptr) == 2); // the file promises more than it holds
+    CHECK(GetComputerCaps(DC_MEDIATYPES, values) == 0xFFFFFFFF);
+}
+
+TEST_CASE_METHOD(ClientFixture, "a denied logon key gives the hard-coded user", "[state][failures]")
+{
+    registry.SetText(L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon", L"DefaultUserName", L"mei");
+    registry.SetText(L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon", L"DefaultDomainName", L"DOM-X");
+    wchar_t szUser[kUserNameUnits] = {};
+    wchar_t szDomain[kDomainNameUnits] = {};
+    const ImportHook hook(nullptr, "RegOpenKeyExW", &DenyKey);
+    CHECK(GetCurrentUsername(szUser, szDomain) == 1);
+    CHECK(std::wstring(szUser) == L"QPS");
+    CHECK(std::wstring(szDomain) == L"VEL");
+}
+
+TEST_CASE_METHOD(ClientFixture, "a computer name that can't be had gives the hard-coded user", "[state][failures]")
+{
+    registry.SetText(L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon", L"DefaultUserName", L"mei");
+    registry.SetText(L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon", L"DefaultDomainName", L"DOM-X");
+    wchar_t szUser[kUserNameUnits] = {};
+    wchar_t szDomain[kDomainNameUnits] = {};
+    const ImportHook hook(nullptr, "GetComputerNameW", &FailComputerName);
+    CHECK(GetCurrentUsername(szUser, szDomain) == 1);
+    CHECK(std::wstring(szUser) == L"QPS");
+}
+
+TEST_CASE_METHOD(ClientFixture, "a full disk leaves a cut logon, the old messages, and status 0 for a device mode",
+                 "[state][failures]")
+{
+    const BYTE bytes[] = {1, 2, 3};
+    const DEVMODEW stuDevmode = {};
+    CHECK(MakeAutoLogonInfo(bytes, 3) == 0);
+    CHECK(AppendUserMessageFile(L"lin", bytes, 3) == 0);
+    const ImportHook hook(nullptr, "fwrite", &FailWrite);
+    CHECK(MakeAutoLogonInfo(bytes, 3) == 1);
+    CHECK(MakeLogonUserName(L"u") == 1);
+    CHECK(AppendUserMessageFile(L"lin", bytes, 3) == 1);
+    CHECK(SetDevDef(&stuDevmode) == 0);
+    CHECK(PathExists(folder.File(L"QPS@VEL_passport.dat")));
+    CHECK(ReadFileBytes(folder.File(L"QPS@VEL_passport.dat")).empty());
+    CHECK(ReadFileBytes(folder.File(L"lin_Message.dat")) == "\x01\x02\x03");
+    CHECK(ReadFileBytes(folder.File(L"QPS@VEL_DevMode.dat")).empty());
+}
+
+TEST_CASE_METHOD(ClientFixture, "a device mode without memory to read it into leaves the record", "[state][failures]")
+{
+    WriteFileBytes(folder.File(L"QPS@VEL_DevMode.dat"), std::string(220, 'q'));
+    DEVMODEW stuDevmode = {};
+    const ImportHook hook(nullptr, "malloc", &FailSmallMalloc);
+    CHECK(GetDevDef(&stuDevmode) == 1);
+    CHECK(stuDevmode.dmSize == 0);
+}
