@@ -8,26 +8,30 @@ class FileStream
 {
 public:
     FileStream() noexcept = default;
-    ~FileStream()
-    {
-        if (m_pFile != nullptr)
-        {
-            std::fclose(m_pFile);
-        }
-    }
+    ~FileStream() { Close(); }
     FileStream(const FileStream&) = delete;
     FileStream& operator=(const FileStream&) = delete;
 
-    /// Opens a file; called once.
+    /// Opens a file, in the place of the one that is open.
     /// @param pszMode as _wfopen takes it.
     /// @return whether it opened; errno tells why not.
     bool Open(const wchar_t* pszPath, const wchar_t* pszMode) noexcept
     {
+        Close();
         m_pFile = _wfopen(pszPath, pszMode);
         return m_pFile != nullptr;
     }
     FILE* Get() const noexcept { return m_pFile; }
 
 private:
+    void Close() noexcept
+    {
+        if (m_pFile != nullptr)
+        {
+            std::fclose(m_pFile);
+            m_pFile = nullptr;
+        }
+    }
+
     FILE* m_pFile = nullptr;
 };

@@ -25,5 +25,11 @@ void AddCapsCommand(CLI::App& program, int& iExitCode);
 void AddSplCapsCommand(CLI::App& program, int& iExitCode);
 void AddConvertCommand(CLI::App& program, int& iExitCode);
 void AddSnapshotCommand(CLI::App& program, int& iExitCode);
+void AddEventCommand(CLI::App& program, int& iExitCode);
+void AddClientCommand(CLI::App& program, int& iExitCode);
+void AddMachineCommand(CLI::App& program, int& iExitCode);
+void AddSettingsCommand(CLI::App& program, int& iExitCode);
+void AddSetCommand(CLI::App& program, int& iExitCode);
+void AddDevmodeCommand(CLI::App& program, int& iExitCode);
 
 } // namespace VelHost

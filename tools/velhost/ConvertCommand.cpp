@@ -1,4 +1,5 @@
 #include "support/PrinterInterface.h"
+#include "settings/DriverDevmode.h"
 #include "tools/velhost/BinaryFile.h"
 #include "tools/velhost/CommandError.h"
 #include "tools/velhost/Commands.h"
@@ -41,6 +42,17 @@ struct ConvertResult
     LONG lNeededAfter = 0;  ///< bytes
     size_t cbOverrun = 0;   ///< bytes that were changed behind the output's room
 };
+
+/// The mode of the default record, with an output of a whole record unless another was asked for.
+void UseDefaultMode(ConvertOptions& options)
+{
+    options.dwMode = CDM_DRIVER_DEFAULT;
+    if (options.strOut.empty() && !options.wOutSize && !options.wOutExtra)
+    {
+        options.wOutSize = kDevmodeSize;
+        options.wOutExtra = kDriverExtra;
+    }
+}
 
 /// Reads a record file; what it declares beyond its end reads as 0.
 std::vector<BYTE> ReadRecord(const std::string& strFile)
@@ -165,10 +177,12 @@ void AddConvertCommand(CLI::App& program, int& iExitCode)
     const auto pOptions = std::make_shared<ConvertOptions>();
     pCommand->add_option("--module", pOptions->strModule, "The module; VelUI.dll beside this program by default")
         ->type_name("PATH");
-    pCommand
-        ->add_option("--mode", pOptions->dwMode, "1 converts, 2 converts to the oldest form, 4 asks for the defaults")
-        ->type_name("N")
-        ->required();
+    CLI::Option* const pMode = pCommand
+                                   ->add_option("--mode", pOptions->dwMode,
+                                                "1 converts, 2 converts to the oldest form, 4 asks for the default")
+                                   ->type_name("N");
+    CLI::Option* const pDefault = pCommand->add_flag("--default", "Ask for the current user's default record, whole");
+    pDefault->excludes(pMode);
     pCommand->add_option("--in", pOptions->strIn, "The input record; a null pointer without one")->type_name("FILE");
     CLI::Option* const pOut =
         pCommand->add_option("--out", pOptions->strOut, "The output record as it is before the call")
@@ -187,7 +201,17 @@ void AddConvertCommand(CLI::App& program, int& iExitCode)
     pCommand->add_option("--save", pOptions->strSave, "Write the output record here")->type_name("FILE");
     pCommand->add_option("--printer", pOptions->strPrinter, "The printer")->type_name("NAME")->capture_default_str();
     pCommand->add_flag("--json", pOptions->bJson, "Print JSON instead of tables");
-    pCommand->callback([pOptions, &iExitCode] { iExitCode = RunConvert(*pOptions); });
+    pCommand->callback([pOptions, pMode, pDefault, &iExitCode] {
+        if (pDefault->count() != 0)
+        {
+            UseDefaultMode(*pOptions);
+        }
+        else if (pMode->count() == 0)
+        {
+            throw CLI::RequiredError("--mode or --default");
+        }
+        iExitCode = RunConvert(*pOptions);
+    });
 }
 
 } // namespace VelHost

@@ -18,8 +18,9 @@ namespace
 using AddCommand = void (*)(CLI::App& program, int& iExitCode);
 
 const AddCommand kCommands[] = {
-    &VelHost::AddInstallCommand, &VelHost::AddUninstallCommand, &VelHost::AddCapsCommand,
-    &VelHost::AddSplCapsCommand, &VelHost::AddConvertCommand,   &VelHost::AddSnapshotCommand,
+    &VelHost::AddInstallCommand, &VelHost::AddUninstallCommand, &VelHost::AddCapsCommand,  &VelHost::AddSplCapsCommand,
+    &VelHost::AddConvertCommand, &VelHost::AddSnapshotCommand,  &VelHost::AddEventCommand, &VelHost::AddClientCommand,
+    &VelHost::AddMachineCommand, &VelHost::AddSettingsCommand,  &VelHost::AddSetCommand,   &VelHost::AddDevmodeCommand,
 };
 
 /// @return the message on one line.
