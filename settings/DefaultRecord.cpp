@@ -6,6 +6,7 @@
 #include "state/StoreTypes.h"
 #include "state/UserRecords.h"
 #include "support/ModuleTexts.h"
+#include "support/FreeDeleter.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -17,11 +18,6 @@ VELUI_SOURCE_MODULE("SubVelUi");
 
 namespace
 {
-
-struct FreeDeleter
-{
-    void operator()(void* p) const noexcept { std::free(p); }
-};
 
 void SetHardcodedDefault(DEVMODEW& stuDevmode)
 {
@@ -70,7 +66,7 @@ short SubSetDefPaperSize()
     {
         return DMPAPER_A4;
     }
-    const std::unique_ptr<WORD[], FreeDeleter> pPapers(static_cast<WORD*>(std::malloc(sizeof(WORD) * dwCount)));
+    const MallocPtr<WORD[]> pPapers(static_cast<WORD*>(std::malloc(sizeof(WORD) * dwCount)));
     if (!pPapers || VelUtility::GetComputerCaps(DC_PAPERS, pPapers.get()) == VelUtility::kNoAnswer)
     {
         return DMPAPER_A4;

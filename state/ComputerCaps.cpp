@@ -6,6 +6,7 @@
 #include "state/ProfileKey.h"
 #include "state/StorePaths.h"
 #include "state/StoreTypes.h"
+#include "support/FreeDeleter.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -77,13 +78,8 @@ const CapRow* FindCapRow(WORD iDevCap)
     return nullptr;
 }
 
-struct FreeDeleter
-{
-    void operator()(void* p) const noexcept { std::free(p); }
-};
-
 template <typename T>
-using Scratch = std::unique_ptr<T[], FreeDeleter>;
+using Scratch = MallocPtr<T[]>;
 
 /// Zeroed room for a list, or null when there is no memory for it.
 template <typename T>

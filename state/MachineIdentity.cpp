@@ -5,6 +5,7 @@
 
 #include "diag/LogSite.h"
 #include "state/StoreTypes.h"
+#include "support/FreeDeleter.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -23,11 +24,6 @@ namespace
 
 /// What GetHost is told of its buffer.
 constexpr DWORD kHostSize = 255;
-
-struct FreeDeleter
-{
-    void operator()(void* p) const noexcept { std::free(p); }
-};
 
 /// Copies a text without the white space at its ends. Does nothing for a null argument or an empty text.
 /// @param szTarget [out] room for the whole source.
@@ -148,8 +144,7 @@ bool GetMACaddress(std::list<MacAddress>& addresses)
         LOG_ERROR("dwStatus = %u", static_cast<unsigned>(dwStatus));
         return false;
     }
-    const std::unique_ptr<IP_ADAPTER_INFO, FreeDeleter> pAdapters(
-        static_cast<IP_ADAPTER_INFO*>(std::malloc(cbAdapters)));
+    const MallocPtr<IP_ADAPTER_INFO> pAdapters(static_cast<IP_ADAPTER_INFO*>(std::malloc(cbAdapters)));
     if (!pAdapters)
     {
         LOG_ERROR("malloc failed. size = %u", static_cast<unsigned>(cbAdapters));

@@ -10,6 +10,7 @@
 #include "state/StorePaths.h"
 #include "state/StoreTypes.h"
 #include "support/FileStream.h"
+#include "support/FreeDeleter.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -34,11 +35,6 @@ constexpr wchar_t kDevModeFile[] = L"DevMode.dat";
 /// Bytes of DevMode.dat: the public part of the driver's record.
 constexpr size_t kDevModeBytes = 220;
 static_assert(sizeof(DEVMODEW) == kDevModeBytes, "DevMode.dat is a bare DEVMODEW");
-
-struct FreeDeleter
-{
-    void operator()(void* p) const noexcept { std::free(p); }
-};
 
 bool MakeLoggedPersonalPath(const wchar_t* pszFileName, wchar_t* szPath)
 {
@@ -225,7 +221,7 @@ DWORD GetDevDef(DEVMODEW* pstuDevmode)
         return PSERR_FAILED;
     }
     FileStream stream;
-    const std::unique_ptr<BYTE[], FreeDeleter> pbyRecord(static_cast<BYTE*>(std::malloc(kDevModeBytes)));
+    const MallocPtr<BYTE[]> pbyRecord(static_cast<BYTE*>(std::malloc(kDevModeBytes)));
     if (!pbyRecord)
     {
         LOG_ERROR("malloc failed. size = %u", static_cast<unsigned>(kDevModeBytes));

@@ -1,4 +1,5 @@
 #include "state/BaseMutex.h"
+#include "tests/common/Threads.h"
 
 #include <catch2/catch.hpp>
 
@@ -12,22 +13,6 @@ namespace
 std::wstring UniqueName(const wchar_t* pszWhat)
 {
     return std::wstring(L"velui-test-") + pszWhat + std::to_wstring(GetCurrentProcessId());
-}
-
-/// Runs a function on another thread and waits for its end.
-template <typename Function>
-void OnThread(Function function)
-{
-    const HANDLE hThread = CreateThread(
-        nullptr, 0,
-        [](void* pv) -> DWORD {
-            (*static_cast<Function*>(pv))();
-            return 0;
-        },
-        &function, 0, nullptr);
-    REQUIRE(hThread != nullptr);
-    REQUIRE(WaitForSingleObject(hThread, 20000) == WAIT_OBJECT_0);
-    CloseHandle(hThread);
 }
 
 } // namespace

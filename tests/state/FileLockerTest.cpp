@@ -1,4 +1,5 @@
 #include "state/FileLocker.h"
+#include "tests/common/LockHolder.h"
 #include "tests/common/TempFolder.h"
 
 #include <catch2/catch.hpp>
@@ -19,15 +20,6 @@ bool MutexExists(const wchar_t* pszName)
         CloseHandle(hMutex);
     }
     return hMutex != nullptr;
-}
-
-std::wstring MutexNameOf(std::wstring strPath)
-{
-    for (wchar_t& c : strPath)
-    {
-        c = c == L'\\' ? L'|' : (c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c + 32) : c);
-    }
-    return strPath;
 }
 
 } // namespace

@@ -1,9 +1,8 @@
 #include "state/ComputerCaps.h"
 #include "state/FileLocker.h"
 #include "state/PrinterConfig.h"
-#include "tests/common/BuiltModule.h"
-#include "tests/common/ChildProcess.h"
 #include "tests/common/ClientFixture.h"
+#include "tests/common/LockHolder.h"
 
 #include <catch2/catch.hpp>
 
@@ -14,35 +13,6 @@ using namespace VelUtility;
 
 namespace
 {
-
-std::wstring MutexNameOf(std::wstring strPath)
-{
-    for (wchar_t& c : strPath)
-    {
-        c = c == L'\\' ? L'|' : static_cast<wchar_t>(c >= L'A' && c <= L'Z' ? c + 32 : c);
-    }
-    return strPath;
-}
-
-/// Another process that holds the lock of a file until it is ended.
-class Holder
-{
-public:
-    explicit Holder(const std::wstring& strFile)
-        : m_strReady(L"velui-test-ready-" + std::to_wstring(GetCurrentProcessId())),
-          m_hReady(CreateEventW(nullptr, FALSE, FALSE, m_strReady.c_str())),
-          m_child(BesideTests(L"storeworker.exe"), {L"hold", MutexNameOf(strFile), m_strReady})
-    {
-        REQUIRE(WaitForSingleObject(m_hReady, 20000) == WAIT_OBJECT_0);
-    }
-    ~Holder() { CloseHandle(m_hReady); }
-    void End() { m_child.Terminate(); }
-
-private:
-    std::wstring m_strReady;
-    HANDLE m_hReady;
-    ChildProcess m_child;
-};
 
 /// Asks for a capability on a thread of its own.
 struct Query
@@ -89,7 +59,7 @@ TEST_CASE_METHOD(ClientFixture, "a query waits for a lock that another process h
                  "[state][locks][processes]")
 {
     WriteCaps({{L"Copies", L"7"}});
-    Holder holder(ConfigFile());
+    LockHolder holder(ConfigFile());
     const Query query;
     CHECK_FALSE(query.Ends(300));
     holder.End(); // the mutex is abandoned; the waiter goes on all the same
@@ -104,7 +74,7 @@ TEST_CASE_METHOD(ClientFixture, "a query waits for a lock that another process h
 TEST_CASE_METHOD(ClientFixture, "a lock with a time-out ends while another process holds it",
                  "[state][locks][processes]")
 {
-    Holder holder(ConfigFile());
+    LockHolder holder(ConfigFile());
     CFileLocker locker(ConfigFile().c_str());
     CHECK(locker.Lock(0) == 0);
     CHECK(locker.Lock(100) == 0);

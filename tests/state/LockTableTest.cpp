@@ -4,9 +4,8 @@
 #include "state/ComputerCaps.h"
 #include "state/PrinterConfig.h"
 #include "state/UserRecords.h"
-#include "tests/common/BuiltModule.h"
-#include "tests/common/ChildProcess.h"
 #include "tests/common/ClientFixture.h"
+#include "tests/common/LockHolder.h"
 
 #include <catch2/catch.hpp>
 
@@ -16,15 +15,6 @@ using namespace VelUtility;
 
 namespace
 {
-
-std::wstring MutexNameOf(std::wstring strPath)
-{
-    for (wchar_t& c : strPath)
-    {
-        c = c == L'\\' ? L'|' : static_cast<wchar_t>(c >= L'A' && c <= L'Z' ? c + 32 : c);
-    }
-    return strPath;
-}
 
 /// One call of the store on a thread of its own.
 class Call
@@ -153,26 +143,6 @@ std::vector<LockedCall> LockedCalls()
     };
 }
 
-/// Another process that holds a file's lock for the length of a scope.
-class HeldElsewhere
-{
-public:
-    explicit HeldElsewhere(const std::wstring& strFile)
-        : m_strReady(L"velui-test-table-" + std::to_wstring(GetCurrentProcessId())),
-          m_hReady(CreateEventW(nullptr, FALSE, FALSE, m_strReady.c_str())),
-          m_child(BesideTests(L"storeworker.exe"), {L"hold", MutexNameOf(strFile), m_strReady})
-    {
-        REQUIRE(WaitForSingleObject(m_hReady, 20000) == WAIT_OBJECT_0);
-    }
-    ~HeldElsewhere() { CloseHandle(m_hReady); }
-    void End() { m_child.Terminate(); }
-
-private:
-    std::wstring m_strReady;
-    HANDLE m_hReady;
-    ChildProcess m_child;
-};
-
 } // namespace
 
 TEST_CASE_METHOD(ClientFixture, "every guarded call waits for its file's lock and for no other's",
@@ -181,7 +151,7 @@ TEST_CASE_METHOD(ClientFixture, "every guarded call waits for its file's lock an
     for (const LockedCall& row : LockedCalls())
     {
         CAPTURE(row.pszName);
-        HeldElsewhere held(folder.File(row.pszFile));
+        LockHolder held(folder.File(row.pszFile));
         const Call call(row.function);
         CHECK_FALSE(call.Ends(60));
         held.End();
@@ -192,7 +162,7 @@ TEST_CASE_METHOD(ClientFixture, "every guarded call waits for its file's lock an
 TEST_CASE_METHOD(ClientFixture, "two writers and the test for the file go past the lock of Config.ini",
                  "[state][locks][table]")
 {
-    HeldElsewhere held(ConfigFile());
+    LockHolder held(ConfigFile());
     ClientSetting setting = {1, 0, 0, L"", L""};
     ServerConfigInfo config = {1, 0, 0, 0};
     CHECK(WriteClientSetting(&setting) == 0);
@@ -204,7 +174,7 @@ TEST_CASE_METHOD(ClientFixture, "two writers and the test for the file go past t
 
 TEST_CASE_METHOD(ClientFixture, "telling the message file's path takes no lock", "[state][locks][table]")
 {
-    HeldElsewhere held(folder.File(L"lin_Message.dat"));
+    LockHolder held(folder.File(L"lin_Message.dat"));
     std::wstring strPath;
     CHECK(GetUserMessageFile(L"lin", &strPath) == 0);
     held.End();

@@ -1,6 +1,7 @@
 #include "state/ComputerCaps.h"
 #include "state/PrinterConfig.h"
 #include "tests/common/ClientFixture.h"
+#include "tests/common/LockHolder.h"
 
 #include <catch2/catch.hpp>
 
@@ -176,11 +177,7 @@ TEST_CASE_METHOD(SnapshotFixture, "a null list of names with a count of 0 is wri
 
 TEST_CASE_METHOD(SnapshotFixture, "a snapshot waits for the file's lock and gives it back", "[state][snapshot]")
 {
-    std::wstring strName = ConfigFile();
-    for (wchar_t& c : strName)
-    {
-        c = c == L'\\' ? L'|' : static_cast<wchar_t>(towlower(c));
-    }
+    const std::wstring strName = MutexNameOf(ConfigFile());
     const HANDLE hMutex = CreateMutexW(nullptr, TRUE, strName.c_str());
     REQUIRE(hMutex != nullptr);
     const HANDLE hThread = CreateThread(

@@ -1,3 +1,5 @@
+#include "tests/common/Threads.h"
+
 #include <catch2/catch.hpp>
 
 #include <windows.h>
@@ -16,21 +18,6 @@ struct alignas(64) Wide
     int values[16];
 };
 thread_local Wide t_wide = {{1, 2, 3}};
-
-template <typename Function>
-void OnThread(Function function)
-{
-    const HANDLE hThread = CreateThread(
-        nullptr, 0,
-        [](void* pv) -> DWORD {
-            (*static_cast<Function*>(pv))();
-            return 0;
-        },
-        &function, 0, nullptr);
-    REQUIRE(hThread != nullptr);
-    REQUIRE(WaitForSingleObject(hThread, 20000) == WAIT_OBJECT_0);
-    CloseHandle(hThread);
-}
 
 } // namespace
 
