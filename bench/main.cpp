@@ -34,6 +34,8 @@ public:
                        static_cast<DWORD>((strFolder.size() + 1) * sizeof(wchar_t)));
         RegCloseKey(hClient);
         RegOverridePredefKey(HKEY_LOCAL_MACHINE, m_hRoot);
+        // The user for whom the module does not look after the resident client: one GetUserNameW a query.
+        SetEnvironmentVariableW(L"WINEUSERNAME", L"SYSTEM");
     }
     ~BenchClient()
     {

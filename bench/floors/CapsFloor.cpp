@@ -12,6 +12,9 @@ struct FloorLock
 {
     FloorLock()
     {
+        wchar_t szUser[257];
+        DWORD cchUser = 257;
+        GetUserNameW(szUser, &cchUser);
         HKEY hKey = nullptr;
         RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Vel-soft\\Client", 0, KEY_READ, &hKey);
         wchar_t szFolder[260] = {};

@@ -4,7 +4,7 @@
 
 #include <windows.h>
 
-/// The folder from the registry, the lock, one number, the lock given back.
+/// The user, the folder from the registry, the lock, one number, the lock given back.
 DWORD FloorNumber(const wchar_t* pszKey);
 
 /// The same with a list of dwCount 16-bit numbers behind its count.

@@ -15,7 +15,9 @@
 
 #include <catch2/catch.hpp>
 
+#include <memory>
 #include <tlhelp32.h>
+#include <vector>
 
 namespace
 {
@@ -46,6 +48,15 @@ HANDLE WINAPI CountWalk(DWORD dwFlags, DWORD dwPid)
         return INVALID_HANDLE_VALUE;
     }
     return CreateToolhelp32Snapshot(dwFlags, dwPid);
+}
+
+int s_iOthers = 0;
+
+/// Counts a call of any other function, and answers 0. Its arguments are of no matter: the caller clears them away.
+INT_PTR WINAPI CountOther()
+{
+    ++s_iOthers;
+    return 0;
 }
 
 /// A test's client: its program, its user, and counts of the calls that the module makes.
@@ -140,6 +151,55 @@ TEST_CASE_METHOD(LauncherFixture, "the second check finds the client by a walk a
     CHECK(s_iUserNames == 1);
     CHECK(s_iVersions == 1);
     CHECK(Running(strClient) == 1);
+}
+
+TEST_CASE_METHOD(LauncherFixture, "a check of a known client makes two platform calls and no other", "[driver][client]")
+{
+    PlaceStandIn(strClient);
+    Check();
+    WaitForRunning(strClient, 1);
+    Check();
+    ResetCounts();
+    s_iOthers = 0;
+    // All else that the module's code can reach the platform by on this road.
+    std::vector<std::unique_ptr<ImportHook>> others;
+    for (const char* pszFunction : {"SHGetFolderPathW",
+                                    "OpenProcessToken",
+                                    "LookupPrivilegeValueW",
+                                    "AdjustTokenPrivileges",
+                                    "CloseHandle",
+                                    "Process32FirstW",
+                                    "Process32NextW",
+                                    "Module32FirstW",
+                                    "Module32NextW",
+                                    "GetFullPathNameW",
+                                    "_waccess",
+                                    "_wspawnv",
+                                    "RegOpenKeyExW",
+                                    "RegQueryValueExW",
+                                    "CreateMutexW",
+                                    "WaitForSingleObject",
+                                    "FormatMessageW",
+                                    "GetPrivateProfileIntW",
+                                    "GetPrivateProfileStringW",
+                                    "WritePrivateProfileStringW",
+                                    "GetCurrentProcess",
+                                    "GetModuleFileNameW",
+                                    "GetComputerNameW",
+                                    "_wfopen",
+                                    "malloc"})
+    {
+        others.push_back(std::make_unique<ImportHook>(module.handle, pszFunction, &CountOther));
+    }
+    for (int i = 0; i < 10; ++i)
+    {
+        Check();
+    }
+    others.clear();
+    CHECK(s_iUserNames == 10);
+    CHECK(s_iVersions == 10);
+    CHECK(s_iWalks == 0);
+    CHECK(s_iOthers == 0);
 }
 
 TEST_CASE_METHOD(LauncherFixture, "a client that ended is found dead and started again in the same call",

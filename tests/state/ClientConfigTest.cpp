@@ -1,4 +1,5 @@
 #include "state/ClientConfig.h"
+#include "state/PrinterConfig.h"
 #include "tests/common/ClientFixture.h"
 
 #include <catch2/catch.hpp>
@@ -262,12 +263,21 @@ TEST_CASE_METHOD(ConfigFixture, "Chinese texts come back whole under code page 9
                  "[state][config][cp936]")
 {
     REQUIRE(GetACP() == 936);
-    const ClientSetting written = {1, 0, 0, std::wstring(255, L'印') + L"尾", L"项目"};
+    const ClientSetting written = {1, 0, 0, std::wstring(255, L'印') + L"尾", std::wstring(255, L'项') + L"尾"};
     CHECK(WriteClientSetting(&written) == 0);
     ClientSetting read = {};
     CHECK(ReadClientSetting(&read) == 0);
     CHECK(read.DefaultPrinter == std::wstring(255, L'印'));
-    CHECK(read.DefaultProject == L"项目");
+    CHECK(read.DefaultProject == std::wstring(255, L'项'));
+    const PrinterInfo printer = {std::wstring(255, L'名') + L"尾", std::wstring(255, L'楼') + L"尾",
+                                 std::wstring(255, L'注') + L"尾"};
+    const PrinterCaps caps = {};
+    MakePrinterConfig(&printer, &caps);
+    PrinterInfo readPrinter;
+    CHECK(GetPrinterInfo(&readPrinter) == 0);
+    CHECK(readPrinter.PrinterName == std::wstring(255, L'名'));
+    CHECK(readPrinter.Location == std::wstring(255, L'楼'));
+    CHECK(readPrinter.Description == std::wstring(255, L'注'));
     const ServerPlace place = {std::wstring(254, L'服') + L"尾", {}, 0};
     CHECK(MakeServerPlaceFile(&place) == 0);
     ServerPlace readPlace = {};
