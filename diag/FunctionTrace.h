@@ -26,6 +26,15 @@ public:
         m_params.push_back(Param(boost::shared_ptr<ParamBase>(new ValueParam<T>(pszName, pValue))));
     }
 
+    /// Remembers an array.
+    /// @param ppValues address of the pointer to it, which must outlive this object, as must the array.
+    /// @param uiCount  entries.
+    template <typename T>
+    void AddParam(const char* pszName, const T* const* ppValues, size_t uiCount)
+    {
+        m_params.push_back(Param(boost::shared_ptr<ParamBase>(new ArrayParam<T>(pszName, ppValues, uiCount))));
+    }
+
     const char* Name() const noexcept { return m_pszName; }
     const std::list<Param>& Params() const noexcept { return m_params; }
 

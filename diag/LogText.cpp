@@ -67,3 +67,8 @@ std::string ArgumentText(LONG* plValue)
     const std::string strAddress = FormatText("0x%p", static_cast<void*>(plValue));
     return plValue == nullptr ? strAddress : strAddress + " => " + std::to_string(static_cast<DWORD>(*plValue));
 }
+
+std::string ArgumentText(HWND hWindow)
+{
+    return IsWindow(hWindow) ? "(Valid windows handle)" : "(Invalid windows handle)";
+}

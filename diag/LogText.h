@@ -53,3 +53,5 @@ std::string ArgumentText(unsigned __int64 uiValue);
 std::string ArgumentText(void* pValue);
 /// The pointer form with the number, taken without a sign, in place of the dump.
 std::string ArgumentText(LONG* plValue);
+/// Whether the window is there; not its value.
+std::string ArgumentText(HWND hWindow);

@@ -51,6 +51,31 @@ private:
     const T* m_pValue;
 };
 
+/// Holder of an array by the address of its pointer; the count is taken by value. T is anything that ArgumentText
+/// takes.
+template <typename T>
+class ArrayParam : public ParamBase
+{
+public:
+    ArrayParam(std::string strName, const T* const* ppValues, size_t uiCount)
+        : ParamBase(std::move(strName)), m_ppValues(ppValues), m_uiCount(uiCount)
+    {}
+    /// "[" and "]" with the entries between them, ", " between two.
+    std::string& ValueText(std::string& strText) const override
+    {
+        strText = "[";
+        for (size_t i = 0; i < m_uiCount; ++i)
+        {
+            strText += (i == 0 ? "" : ", ") + ArgumentText((*m_ppValues)[i]);
+        }
+        return strText += "]";
+    }
+
+private:
+    const T* const* m_ppValues;
+    size_t m_uiCount;
+};
+
 /// Handle to a holder; copies share it.
 class Param
 {

@@ -8,6 +8,7 @@
 #include "state/StoreTypes.h"
 #include "support/FreeDeleter.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -128,29 +129,30 @@ DWORD ReadPairs(const CapRow& row, const wchar_t* pszFile, POINT* pstuOutput, DW
 }
 
 /// Answers one capability from the file; the caller holds the file's lock.
-DWORD AnswerFromFile(const CapRow& row, const wchar_t* pszFile, void* pvOutput)
+DWORD AnswerFromFile(const CapRow& row, const wchar_t* pszFile, void* pvOutput, DWORD dwRoom)
 {
     const DWORD dwFirst = SubCmpCaps_Rtn(row.pszFirstKey, pszFile);
     if (row.form == CapForm::Number || dwFirst == kNoAnswer || pvOutput == nullptr)
     {
         return dwFirst;
     }
+    const DWORD dwCount = std::min(dwFirst, dwRoom);
     switch (row.form)
     {
     case CapForm::Words:
-        return ReadWords(row, pszFile, static_cast<WORD*>(pvOutput), dwFirst);
+        return ReadWords(row, pszFile, static_cast<WORD*>(pvOutput), dwCount);
     case CapForm::Pairs:
-        return ReadPairs(row, pszFile, static_cast<POINT*>(pvOutput), dwFirst);
+        return ReadPairs(row, pszFile, static_cast<POINT*>(pvOutput), dwCount);
     case CapForm::Dwords:
-        return SubCmpCaps_IntArray(row.pszBaseKey, pszFile, static_cast<DWORD*>(pvOutput), dwFirst);
+        return SubCmpCaps_IntArray(row.pszBaseKey, pszFile, static_cast<DWORD*>(pvOutput), dwCount);
     case CapForm::NarrowNames:
-        return SubCmpCaps_StrArray(row.pszBaseKey, pszFile, static_cast<wchar_t*>(pvOutput), dwFirst, kNarrowNameUnits);
+        return SubCmpCaps_StrArray(row.pszBaseKey, pszFile, static_cast<wchar_t*>(pvOutput), dwCount, kNarrowNameUnits);
     default:
-        return SubCmpCaps_StrArray(row.pszBaseKey, pszFile, static_cast<wchar_t*>(pvOutput), dwFirst, kWideNameUnits);
+        return SubCmpCaps_StrArray(row.pszBaseKey, pszFile, static_cast<wchar_t*>(pvOutput), dwCount, kWideNameUnits);
     }
 }
 
-DWORD AnswerLocked(WORD iDevCap, void* pvOutput)
+DWORD AnswerLocked(WORD iDevCap, void* pvOutput, DWORD dwRoom)
 {
     wchar_t szPath[kStorePathUnits];
     if (!MakeConfigFilePath(szPath))
@@ -159,19 +161,19 @@ DWORD AnswerLocked(WORD iDevCap, void* pvOutput)
     }
     const CScopeFileLock lock(szPath);
     const CapRow* const pRow = FindCapRow(iDevCap);
-    return pRow != nullptr ? AnswerFromFile(*pRow, szPath, pvOutput) : kNoAnswer;
+    return pRow != nullptr ? AnswerFromFile(*pRow, szPath, pvOutput, dwRoom) : kNoAnswer;
 }
 
 } // namespace
 
-DWORD GetComputerCaps(WORD iDevCap, void* pvOutput)
+DWORD GetComputerCaps(WORD iDevCap, void* pvOutput, DWORD dwRoom)
 {
     TRACE_FUNCTION("VelUtility::GetComputerCaps");
     if (IsDebugEnabled())
     {
         LogDebug("GetComputerCaps(%d)", iDevCap);
     }
-    const DWORD dwResult = AnswerLocked(iDevCap, pvOutput);
+    const DWORD dwResult = AnswerLocked(iDevCap, pvOutput, dwRoom);
     LOG_DEBUG("GetComputerCaps returns %u", static_cast<unsigned>(dwResult));
     return dwResult;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "state/StoreTypes.h"
+
 #include <windows.h>
 
 namespace VelUtility
@@ -12,10 +14,11 @@ namespace VelUtility
 ///                 16-bit identifiers (DC_PAPERS, DC_BINS), x/y pairs of 32-bit numbers (DC_PAPERSIZE in tenths of a
 ///                 millimetre, DC_ENUMRESOLUTIONS in dots per inch), 32-bit numbers (DC_MEDIATYPES), names of 24
 ///                 (DC_BINNAMES) or 64 wide characters. A single value ignores it.
+/// @param dwRoom   entries that pvOutput has room for; those of a longer list are left out.
 /// @return the count or the value; 0xFFFFFFFF when the key or the client's folder is missing, or the code is refused.
 ///         After a failed read of a list: identifiers hold 0xFFFF at the missing entry and 0 behind it, pairs are
 ///         untouched, names hold what was read.
-DWORD GetComputerCaps(WORD iDevCap, void* pvOutput);
+DWORD GetComputerCaps(WORD iDevCap, void* pvOutput, DWORD dwRoom = kNoAnswer);
 
 /// Reads one number of the snapshot.
 /// @return the number, or 0xFFFFFFFF when the key or the file is absent.

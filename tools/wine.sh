@@ -7,6 +7,8 @@
 #                                           it runs start in a few hundredths of a second; ends the session with it
 #   tools/wine.sh --stop                    ends what runs in the prefix
 #
+# A session shows its windows under an Xvfb of its own, so that they come and go on nobody's desktop. VELUI_SHOW=1 shows
+# them on the display that DISPLAY names, if there is one.
 # VELUI_WINEPREFIX names another prefix. VELUI_LOCALE=zh_CN.UTF-8 gives code page 936; the default is 1252.
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=$root/build
@@ -34,6 +36,11 @@ if [ ! -f "$WINEPREFIX/.ready" ]; then
         if [ ! -f "$WINEPREFIX/.ready" ]; then
             echo "== making the Wine prefix in $WINEPREFIX (about 10 s)" >&2
             wine wineboot -i >"$WINEPREFIX.log" 2>&1 || { cat "$WINEPREFIX.log" >&2; exit 1; }
+            # Debian's Wine does not look into the folder of its own fonts (the dialogs' one, and that of the window buttons).
+            cp /usr/share/wine/fonts/*.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
+            # The dialogs' font has no Chinese; a font that has is linked to it, as on a Chinese Windows.
+            wine reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink' /v Tahoma \
+                /t REG_MULTI_SZ /d 'wqy-microhei.ttc,WenQuanYi Micro Hei' /f >>"$WINEPREFIX.log" 2>&1
             wineserver -w
             touch "$WINEPREFIX/.ready"
         fi
@@ -47,6 +54,27 @@ if [ "$1" = --session ]; then
     # would wait for them for ever.
     wineserver -k 2>/dev/null
     wineserver -w 2>/dev/null
+    if [ -z "${VELUI_SHOW:-}" ] || [ -z "${DISPLAY:-}" ]; then
+        # Xvfb picks a free display and tells its number.
+        number=$(mktemp "$build/display.XXXXXX")
+        Xvfb -displayfd 7 -screen 0 1600x1200x24 -nolisten tcp 7>"$number" >"$build/xvfb.log" 2>&1 &
+        xvfb=$!
+        while [ ! -s "$number" ] && kill -0 "$xvfb" 2>/dev/null; do sleep 0.05; done
+        [ -s "$number" ] || { cat "$build/xvfb.log" >&2; exit 1; }
+        DISPLAY=:$(cat "$number")
+        export DISPLAY
+        rm -f "$number"
+        trap 'kill "$xvfb" 2>/dev/null' EXIT
+        trap 'exit 130' INT TERM
+    fi
+    # Without a window manager the platform has to draw the windows' frames itself.
+    managed=Y
+    [ -z "${xvfb:-}" ] || managed=N
+    if ! grep -q "^\"Managed\"=\"$managed\"" "$WINEPREFIX/user.reg"; then
+        wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d $managed /f >>"$WINEPREFIX.log" 2>&1
+        wineserver -k 2>/dev/null
+        wineserver -w 2>/dev/null
+    fi
     fifo=$build/session.$$
     mkfifo "$fifo"
     wine cmd.exe <"$fifo" >/dev/null 2>&1 &

@@ -1,0 +1,27 @@
+#pragma once
+/// One paper of the list that a document sheet offers.
+
+#include <windows.h>
+
+#include <cstddef>
+#include <string>
+
+/// Wide characters of a paper's name, the terminator included.
+inline constexpr size_t kPaperNameUnits = 64;
+
+/// A catalogue entry; 140 bytes.
+struct stuPaperInfo
+{
+    wchar_t aszPaperName[kPaperNameUnits]; ///< display name, zero-terminated; also the text in the combo box
+    WORD wPaper;                           ///< DMPAPER_ number, as in dmPaperSize
+    POINT stuPaperSize;                    ///< width and height in tenths of a millimetre
+};
+
+static_assert(sizeof(stuPaperInfo::aszPaperName) == 128, "the name is copied whole");
+static_assert(offsetof(stuPaperInfo, wPaper) == 128 && offsetof(stuPaperInfo, stuPaperSize) == 132 &&
+                  sizeof(stuPaperInfo) == 140,
+              "the entry's layout");
+
+/// The text of an entry in a call line: "{aszPaperName = A4,wPaper9,stuPaperSize{pt.x2100,pt.y}}". The first call sets
+/// the process's C locale to "chs", so that a Chinese name can be shown.
+std::string ArgumentText(const stuPaperInfo& stuInfo);

@@ -1,0 +1,7 @@
+#pragma once
+
+#include <windows.h>
+
+/// Dialog procedure of the about page (IDD_ABOUT), which shows its texts and does nothing else.
+/// @return 1 for WM_INITDIALOG and WM_COMMAND, else 0.
+INT_PTR CALLBACK ProAbouPage(HWND hDlg, UINT uiMessage, WPARAM wParam, LPARAM lParam);
