@@ -1,4 +1,5 @@
 #include "tests/common/BuiltModule.h"
+#include "tests/common/Handles.h"
 #include "tests/common/PrivateRegistry.h"
 #include "tests/common/TempFolder.h"
 #include "tests/common/UserName.h"
@@ -55,15 +56,6 @@ size_t LoadedModules()
     }
     CloseHandle(hSnapshot);
     return uiModules;
-}
-
-/// The number that a new handle gets: the number of handles in use, as a table slot.
-size_t NextHandle()
-{
-    const HANDLE hEvent = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-    const size_t uiHandle = reinterpret_cast<size_t>(hEvent);
-    CloseHandle(hEvent);
-    return uiHandle;
 }
 
 size_t PrivateBytes()

@@ -2,6 +2,7 @@
 
 #include "driver/DependsFile.h"
 #include "support/PrinterInterface.h"
+#include "tests/common/Handles.h"
 #include "tests/common/LogLines.h"
 #include "tests/common/PrivateRegistry.h"
 #include "tests/common/StandIns.h"
@@ -140,18 +141,13 @@ TEST_CASE("a flag that forbids windows changes nothing for an added connection",
 TEST_CASE("1,000 events that start nothing lose no handle", "[driver][events]")
 {
     const DriverFolder driver(L"drv", false);
-    const auto nextHandle = [] {
-        const HANDLE hEvent = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-        CloseHandle(hEvent);
-        return hEvent;
-    };
     driver.Event(PRINTER_EVENT_ADD_CONNECTION, L"\\\\host\\x");
-    const HANDLE hBefore = nextHandle();
+    const size_t uiBefore = NextHandle();
     for (int i = 0; i < 1000; ++i)
     {
         driver.Event(i % 9, L"\\\\host\\VelPrinter,LocalsplOnly");
     }
-    CHECK(nextHandle() == hBefore);
+    CHECK(NextHandle() == uiBefore);
 }
 
 TEST_CASE("a Chinese printer and a Chinese folder are served under code page 936", "[driver][events][cp936]")

@@ -5,6 +5,7 @@
 #include "driver/ResidentClient.h"
 #include "support/Exception.h"
 #include "support/ProcessWalk.h"
+#include "tests/common/Handles.h"
 #include "tests/common/ChildProcess.h"
 #include "tests/common/BuiltModule.h"
 #include "tests/common/ClientFixture.h"
@@ -303,17 +304,12 @@ TEST_CASE_METHOD(LauncherFixture, "1,000 checks with a known client lose no hand
     Check();
     WaitForRunning(strClient, 1);
     Check();
-    const auto nextHandle = [] {
-        const HANDLE hEvent = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-        CloseHandle(hEvent);
-        return hEvent;
-    };
-    const HANDLE hBefore = nextHandle();
+    const size_t uiBefore = NextHandle();
     for (int i = 0; i < 1000; ++i)
     {
         Check();
     }
-    CHECK(nextHandle() == hBefore);
+    CHECK(NextHandle() == uiBefore);
 }
 
 TEST_CASE("a failed start is logged only on a thread inside a traced function", "[driver][client][log]")

@@ -4,6 +4,7 @@
 #include "support/PathNames.h"
 #include "support/ProcessWalk.h"
 #include "support/ScopeGuard.h"
+#include "tests/common/Handles.h"
 #include "tests/common/BuiltModule.h"
 #include "tests/common/ChildProcess.h"
 #include "tests/common/ImportHook.h"
@@ -79,12 +80,7 @@ BOOL WINAPI RecordLookup(LPCWSTR, LPCWSTR pszName, PLUID pLuid)
 template <typename Call>
 void CheckThrows(const wchar_t* pszApi, Call call)
 {
-    const auto nextHandle = [] {
-        const HANDLE hEvent = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-        CloseHandle(hEvent);
-        return hEvent;
-    };
-    const HANDLE hBefore = nextHandle();
+    const size_t uiBefore = NextHandle();
     std::wstring strText = L"nothing was thrown";
     DWORD dwCode = 0;
     try
@@ -98,7 +94,7 @@ void CheckThrows(const wchar_t* pszApi, Call call)
     }
     CHECK(strText == FormatLastErrorText(pszApi, 5, nullptr));
     CHECK(dwCode == 5);
-    CHECK(nextHandle() == hBefore);
+    CHECK(NextHandle() == uiBefore);
 }
 
 std::vector<std::wstring> Split(const std::wstring& strText)

@@ -1,0 +1,551 @@
+// What the settings page's controls do to each other.
+
+#include "tests/ui/BoxWatcher.h"
+#include "tests/ui/SettingsFixture.h"
+#include "ui/NumberBox.h"
+
+#include <catch2/catch.hpp>
+
+namespace
+{
+
+struct EditFixture : SettingsFixture
+{
+    /// What the page selects for a typed size, on a printer with these limits.
+    std::wstring Search(const CapKeys& limits, const std::vector<Paper>& papers, const wchar_t* pszFirst,
+                        const wchar_t* pszSecond)
+    {
+        UsePapers(papers, limits);
+        in.stuDevmode.dmPaperSize = 256;
+        const PageWindow page = Open();
+        page.Type(1007, pszFirst);
+        page.Type(1008, pszSecond);
+        CHECK(page.Text(1007) == pszFirst); // the typed text stays as it is
+        CHECK(page.Text(1008) == pszSecond);
+        CHECK(bPaperSync == 1);
+        return page.Paper();
+    }
+    BoxWatcher watcher;
+};
+
+/// DC_MINEXTENT or DC_MAXEXTENT in tenths of a millimetre.
+std::wstring Extent(int iX, int iY)
+{
+    return std::to_wstring(iY << 16 | iX);
+}
+
+} // namespace
+
+TEST_CASE_METHOD(EditFixture, "choosing a paper writes its size into the boxes and tells the sheet", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    const int iBefore = page.Changes();
+    page.ChoosePaper(1);
+    CHECK(page.Paper() == L"A3");
+    CHECK(page.Text(1007) == L"297");
+    CHECK(page.Text(1008) == L"420");
+    CHECK(page.Changes() == iBefore + 3); // two texts and the selection
+    CHECK(bPaperSync == 1);
+}
+
+TEST_CASE_METHOD(EditFixture, "choosing the custom paper leaves the boxes as they are", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    const int iBefore = page.Changes();
+    page.ChoosePaper(4);
+    CHECK(page.Paper() == L"自定义");
+    CHECK(page.Text(1007) == L"215"); // the paper passed on the way
+    CHECK(page.Text(1008) == L"279");
+    CHECK(page.Changes() > iBefore);
+}
+
+TEST_CASE_METHOD(EditFixture, "in landscape the paper's width stands in the second box", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    page.Click(1012);
+    CHECK(iWidthEditId == 1008);
+    CHECK(iHeightEditId == 1007);
+    page.ChoosePaper(2);
+    CHECK(page.Text(1007) == L"210");
+    CHECK(page.Text(1008) == L"148");
+}
+
+TEST_CASE_METHOD(EditFixture, "switching the orientation exchanges the two numbers of a listed paper", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    const int iBefore = page.Changes();
+    page.Click(1012);
+    CHECK(page.Text(1007) == L"297");
+    CHECK(page.Text(1008) == L"210");
+    CHECK(page.Changes() == iBefore + 3);
+    CHECK(bNoSwap == 1);
+    page.Click(1011);
+    CHECK(page.Text(1007) == L"210");
+    CHECK(page.Text(1008) == L"297");
+}
+
+TEST_CASE_METHOD(EditFixture, "switching the orientation exchanges the texts of a custom paper", "[ui][settings]")
+{
+    in.stuDevmode.dmPaperSize = 256;
+    const PageWindow page = Open();
+    page.Type(1007, L"100");
+    page.Type(1008, L"200");
+    REQUIRE(page.Paper() == L"自定义");
+    page.Click(1012);
+    CHECK(page.Text(1007) == L"200");
+    CHECK(page.Text(1008) == L"100");
+    page.Click(1011);
+    CHECK(page.Text(1007) == L"100");
+    CHECK(page.Text(1008) == L"200");
+}
+
+TEST_CASE_METHOD(EditFixture, "an exchange keeps four characters of each text", "[ui][settings]")
+{
+    in.stuDevmode.dmPaperSize = 256;
+    const PageWindow page = Open();
+    page.Type(1007, L"12345");
+    page.Type(1008, L"67890");
+    page.Click(1012);
+    CHECK(page.Text(1007) == L"6789");
+    CHECK(page.Text(1008) == L"1234");
+}
+
+TEST_CASE_METHOD(EditFixture, "a second click on the chosen orientation exchanges a custom paper's texts again",
+                 "[ui][settings]")
+{
+    in.stuDevmode.dmPaperSize = 256;
+    const PageWindow page = Open();
+    page.Type(1007, L"100");
+    page.Type(1008, L"200");
+    page.Click(1011);
+    CHECK(page.Text(1007) == L"200");
+    CHECK(page.Text(1008) == L"100");
+}
+
+TEST_CASE_METHOD(EditFixture, "a custom paper is known by the code's text and not by its number", "[ui][settings]")
+{
+    UsePapers({{L"256 by number", 256, 1000, 2000}, {L"A4", 9, 2100, 2970}});
+    const PageWindow page = Open();
+    page.ChoosePaper(0);
+    CHECK(page.Text(1007) == L"100");
+    CHECK(page.Text(1008) == L"200");
+}
+
+TEST_CASE_METHOD(EditFixture, "typing a size selects its paper, in both orientations", "[ui][settings]")
+{
+    const int iOrientation = GENERATE(1011, 1012);
+    in.stuDevmode.dmPaperSize = 8;
+    const PageWindow page = Open();
+    page.Click(iOrientation);
+    page.Type(iOrientation == 1011 ? 1007 : 1008, L"210");
+    page.Type(iOrientation == 1011 ? 1008 : 1007, L"297");
+    CHECK(page.Paper() == L"A4");
+    CHECK(bPaperSync == 1);
+}
+
+TEST_CASE_METHOD(EditFixture, "typing a small number selects the custom paper and leaves the other box",
+                 "[ui][settings]")
+{
+    const PageWindow page = Open();
+    page.Type(1007, L"1");
+    CHECK(page.Paper() == L"自定义");
+    CHECK(page.Text(1007) == L"1");
+    CHECK(page.Text(1008) == L"297");
+}
+
+TEST_CASE_METHOD(EditFixture, "a small number selects a paper that is that small", "[ui][settings]")
+{
+    UsePapers({{L"A4", 9, 2100, 2970}, {L"label", 300, 40, 2970}});
+    const PageWindow page = Open();
+    page.Type(1007, L"1");
+    CHECK(page.Paper() == L"label");
+}
+
+TEST_CASE_METHOD(EditFixture, "an empty box counts as 0, without a warning", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    page.Type(1007, L"");
+    CHECK(page.Text(1007).empty());
+    CHECK(page.Paper() == L"自定义");
+    CHECK(watcher.Count() == 0);
+}
+
+TEST_CASE_METHOD(EditFixture, "each key in a size box tells the sheet of a change", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    const int iBefore = page.Changes();
+    page.Type(1007, L"150");
+    CHECK(page.Changes() == iBefore + 3);
+}
+
+TEST_CASE_METHOD(EditFixture, "a width below the least counts as the least, for the search alone", "[ui][settings]")
+{
+    // The least is 76 by 127 mm; a typed 10 by 200 is searched as 76 by 200.
+    CHECK(Search({{L"MinExtent", Extent(760, 1270)}, {L"MaxExtent", Extent(2970, 12190)}},
+                 {{L"strip", 300, 760, 2000}, {L"A4", 9, 2100, 2970}}, L"10", L"200") == L"strip");
+}
+
+TEST_CASE_METHOD(EditFixture, "a width above the greatest counts as the greatest", "[ui][settings]")
+{
+    CHECK(Search({{L"MinExtent", Extent(760, 1270)}, {L"MaxExtent", Extent(2970, 12190)}},
+                 {{L"A3", 8, 2970, 4200}, {L"A4", 9, 2100, 2970}}, L"900", L"420") == L"A3");
+}
+
+TEST_CASE_METHOD(EditFixture, "a height below the least counts as the least", "[ui][settings]")
+{
+    CHECK(Search({{L"MinExtent", Extent(760, 1270)}, {L"MaxExtent", Extent(2970, 12190)}},
+                 {{L"card", 300, 1000, 1270}, {L"A4", 9, 2100, 2970}}, L"100", L"10") == L"card");
+}
+
+TEST_CASE_METHOD(EditFixture, "a height has no upper limit", "[ui][settings]")
+{
+    // The greatest height is 1,219 mm; 2,000 would have to count as that to find the banner.
+    CHECK(Search({{L"MinExtent", Extent(760, 1270)}, {L"MaxExtent", Extent(2970, 12190)}},
+                 {{L"banner", 300, 2100, 12190}, {L"A4", 9, 2100, 2970}}, L"210", L"2000") == L"自定义");
+}
+
+TEST_CASE_METHOD(EditFixture, "a width above the greatest height counts as that", "[ui][settings]")
+{
+    // Greatest 500 by 300 mm. A width of 400 passes the width's limit and meets the height's: 300.
+    CHECK(Search({{L"MinExtent", Extent(100, 100)}, {L"MaxExtent", Extent(5000, 3000)}},
+                 {{L"wide", 300, 3000, 2000}, {L"wider", 301, 4000, 2000}}, L"400", L"200") == L"wide");
+}
+
+TEST_CASE_METHOD(EditFixture, "a height below the least keeps the width from its second limit", "[ui][settings]")
+{
+    CHECK(Search({{L"MinExtent", Extent(100, 2000)}, {L"MaxExtent", Extent(5000, 3000)}},
+                 {{L"wide", 300, 3000, 2000}, {L"wider", 301, 4000, 2000}}, L"400", L"20") == L"wider");
+}
+
+TEST_CASE_METHOD(EditFixture, "without both limits none is looked at", "[ui][settings]")
+{
+    const CapKeys limits =
+        GENERATE(CapKeys{}, CapKeys{{L"MinExtent", Extent(760, 1270)}}, CapKeys{{L"MaxExtent", Extent(2000, 2000)}});
+    CHECK(Search(limits, {{L"slip", 300, 100, 200}, {L"sheet", 301, 760, 1270}}, L"10", L"20") == L"slip");
+}
+
+TEST_CASE_METHOD(EditFixture, "the limits leave the record alone", "[ui][settings]")
+{
+    UsePapers(kPapers, {{L"MinExtent", Extent(760, 1270)}, {L"MaxExtent", Extent(2970, 4200)}});
+    in.stuDevmode.dmPaperSize = 256;
+    const PageWindow page = Open();
+    page.Type(1007, L"10");
+    page.Type(1008, L"3000");
+    REQUIRE(page.Paper() == L"自定义");
+    page.Notify(PSN_APPLY);
+    CHECK(out.stuDevmode.dmPaperWidth == 100);
+    CHECK(out.stuDevmode.dmPaperLength == 30000);
+}
+
+TEST_CASE_METHOD(EditFixture, "a non-digit brings the warning box, leaves text and selection, and typing goes on",
+                 "[ui][settings]")
+{
+    const PageWindow page = Open();
+    page.Type(1007, L"2x");
+    CHECK(page.Text(1007) == L"2x");
+    CHECK(page.Paper() == L"自定义"); // found for the 2
+    const std::vector<BoxWatcher::Box> boxes = watcher.Boxes();
+    REQUIRE(boxes.size() == 1);
+    CHECK(boxes[0].strCaption == L"警告");
+    CHECK(boxes[0].strText == L"请确保输入的数据正确");
+    CHECK_FALSE(boxes[0].bOwned);
+    CHECK(boxes[0].uiButtons == 1);
+
+    SendMessageW(page.Item(1007), WM_CHAR, VK_BACK, 1);
+    SendMessageW(page.Item(1007), WM_CHAR, L'1', 1);
+    SendMessageW(page.Item(1007), WM_CHAR, L'0', 1);
+    CHECK(page.Text(1007) == L"210");
+    CHECK(page.Paper() == L"A4");
+    CHECK(watcher.Count() == 1);
+    CHECK(bPaperSync == 1);
+}
+
+TEST_CASE_METHOD(EditFixture, "the warning box comes once for each change while a non-digit stands in either box",
+                 "[ui][settings]")
+{
+    const PageWindow page = Open();
+    page.Type(1008, L"y"); // 1: the width is read first and passes, the height fails
+    CHECK(watcher.Count() == 1);
+    page.Type(1007, L"12"); // 2 and 3: both boxes are read each time
+    CHECK(watcher.Count() == 3);
+    page.Type(1007, L"-"); // 4: the width fails, and the height is not read
+    CHECK(watcher.Count() == 4);
+}
+
+TEST_CASE_METHOD(EditFixture, "a minus sign is no digit", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    page.Type(1007, L"-5");
+    CHECK(watcher.Count() == 2);
+    CHECK(page.Paper() == L"A4");
+}
+
+TEST_CASE_METHOD(EditFixture, "a handler of the boxes does nothing while another writes them", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    bPaperSync = 0;
+    page.Type(1007, L"x");
+    CHECK(watcher.Count() == 0);
+    CHECK(page.Paper() == L"A4");
+    CHECK(Sub_On_Edit(page.Get(), EN_CHANGE, &data) == 1);
+    CHECK(Sub_On_Combo(page.Get(), &data) == 1);
+    CHECK(page.Text(1007) == L"x");
+    CHECK(bPaperSync == 0);
+    bPaperSync = 1;
+}
+
+TEST_CASE_METHOD(EditFixture, "a blocked handler's change is told to the sheet all the same", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    bPaperSync = 0;
+    const int iBefore = page.Changes();
+    page.Type(1007, L"1");
+    CHECK(page.Changes() == iBefore + 1);
+    bPaperSync = 1;
+}
+
+TEST_CASE_METHOD(EditFixture, "only EN_CHANGE starts the search", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    page.Type(1007, L"1");
+    REQUIRE(page.Paper() == L"自定义");
+    page.ChoosePaper(0);
+    SetWindowTextW(page.Item(1006), L"A4");
+    CHECK(Sub_On_Edit(page.Get(), EN_UPDATE, &data) == 1);
+    CHECK(page.Paper() == L"A4");
+}
+
+TEST_CASE_METHOD(EditFixture, "a paper that the combo box does not hold makes the handler fail without changing it",
+                 "[ui][settings]")
+{
+    const PageWindow page = Open();
+    SendMessageW(page.Item(1006), CB_DELETESTRING, 1, 0); // A3
+    bPaperSync = 0;
+    page.Type(1007, L"297");
+    page.Type(1008, L"420");
+    bPaperSync = 1;
+    CHECK(Sub_On_Edit(page.Get(), EN_CHANGE, &data) == 0);
+    CHECK(page.Paper() == L"A4");
+    CHECK(bPaperSync == 1);
+}
+
+TEST_CASE_METHOD(EditFixture, "a name is selected by its beginning, as the platform does it", "[ui][settings]")
+{
+    UsePapers({{L"A4 landscape", 300, 2970, 2100}, {L"A4", 9, 2100, 2970}});
+    in.stuDevmode.dmPaperSize = 256;
+    const PageWindow page = Open();
+    page.Type(1007, L"210");
+    page.Type(1008, L"297");
+    CHECK(page.Paper() == L"A4 landscape");
+}
+
+TEST_CASE_METHOD(EditFixture, "text typed into the paper box itself leaves the page alone", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    COMBOBOXINFO info = {};
+    info.cbSize = sizeof(info);
+    REQUIRE(GetComboBoxInfo(page.Item(1006), &info));
+    const int iBefore = page.Changes();
+    SendMessageW(info.hwndItem, WM_CHAR, L'q', 1);
+    CHECK(page.Changes() == iBefore);
+    CHECK(page.Text(1007) == L"210");
+}
+
+TEST_CASE_METHOD(EditFixture, "a spin changes its box by one, and the search follows", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    page.PressSpin(1004, true);
+    CHECK(page.Text(1007) == L"211");
+    page.PressSpin(1005, false);
+    CHECK(page.Text(1008) == L"296");
+    CHECK(page.Paper() == L"A4"); // within 5 mm
+    for (int i = 0; i < 5; ++i)
+    {
+        page.PressSpin(1004, true);
+    }
+    CHECK(page.Text(1007) == L"216");
+    CHECK(page.Paper() == L"自定义");
+}
+
+TEST_CASE_METHOD(EditFixture, "a spin goes on beyond the range that it was given", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    for (int i = 0; i < 8; ++i)
+    {
+        page.PressSpin(1004, false);
+    }
+    CHECK(page.Text(1007) == L"202");
+}
+
+TEST_CASE_METHOD(EditFixture, "the arrow keys spin too", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    SendMessageW(page.Item(1007), WM_KEYDOWN, VK_UP, 1);
+    CHECK(page.Text(1007) == L"211");
+    SendMessageW(page.Item(1007), WM_KEYDOWN, VK_DOWN, 1);
+    SendMessageW(page.Item(1007), WM_KEYDOWN, VK_DOWN, 1);
+    CHECK(page.Text(1007) == L"209");
+}
+
+TEST_CASE_METHOD(EditFixture, "a spin stays at 0", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    page.Type(1007, L"0");
+    page.PressSpin(1004, false);
+    CHECK(page.Text(1007) == L"0");
+}
+
+TEST_CASE_METHOD(EditFixture, "a spin goes from 9999 to 10000, which is read as 1000 the next time", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    page.Type(1007, L"9999");
+    page.PressSpin(1004, true);
+    CHECK(page.Text(1007) == L"10000");
+    page.PressSpin(1004, true);
+    CHECK(page.Text(1007) == L"1001");
+}
+
+TEST_CASE_METHOD(EditFixture, "a spin on an empty box starts at 0", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    page.Type(1007, L"");
+    page.PressSpin(1004, true);
+    CHECK(page.Text(1007) == L"1");
+}
+
+TEST_CASE_METHOD(EditFixture, "a spin on a text that is no number warns and leaves it", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    bPaperSync = 0;
+    page.Type(1007, L"1a");
+    bPaperSync = 1;
+    NMUPDOWN press = {};
+    press.hdr.hwndFrom = page.Item(1004);
+    press.iDelta = 1;
+    CHECK(Sub_On_Spin(page.Get(), &press) == 0);
+    CHECK(page.Text(1007) == L"1a");
+    CHECK(watcher.Count() == 1);
+}
+
+TEST_CASE_METHOD(EditFixture, "duplex on brings the binding that was applied last, off forgets a click",
+                 "[ui][settings]")
+{
+    in.stuDevmode.dmDuplex = 3;
+    const PageWindow page = Open();
+    page.Click(1014); // the long edge instead
+    REQUIRE(page.Checked(1014));
+    REQUIRE_FALSE(page.Checked(1013));
+    page.Click(1016);
+    CHECK_FALSE(page.Checked(1013));
+    CHECK_FALSE(page.Checked(1014));
+    CHECK_FALSE(page.Enabled(1013));
+    CHECK_FALSE(page.Enabled(1014));
+    page.Click(1016);
+    CHECK(page.Checked(1013));
+    CHECK_FALSE(page.Checked(1014));
+    CHECK(page.Enabled(1013));
+    CHECK(page.Enabled(1014));
+}
+
+TEST_CASE_METHOD(EditFixture, "duplex on a one-sided record brings the long edge", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    const int iBefore = page.Changes();
+    page.Click(1016);
+    CHECK(page.Checked(1014));
+    CHECK_FALSE(page.Checked(1013));
+    CHECK(page.Changes() == iBefore + 1);
+}
+
+TEST_CASE_METHOD(EditFixture, "the binding's handler does not uncheck the other button", "[ui][settings]")
+{
+    in.stuDevmode.dmDuplex = 2;
+    const PageWindow page = Open();
+    CHECK(On_Check_Duplex(page.Get(), 3) == 1);
+    CHECK(page.Checked(1013));
+    CHECK(page.Checked(1014));
+}
+
+TEST_CASE_METHOD(EditFixture, "each button tells the sheet of a change; the help button does nothing", "[ui][settings]")
+{
+    in.stuDevmode.dmDuplex = 2;
+    const PageWindow page = Open();
+    for (const int iButton : {1002, 1003, 1013, 1014})
+    {
+        CAPTURE(iButton);
+        const int iBefore = page.Changes();
+        page.Click(iButton);
+        CHECK(page.Changes() == iBefore + 1);
+        CHECK(page.Checked(iButton));
+    }
+    const int iBefore = page.Changes();
+    page.Click(1018);
+    CHECK(page.Changes() == iBefore);
+    CHECK(calls.empty());
+    CHECK(watcher.Count() == 0);
+}
+
+TEST_CASE_METHOD(EditFixture, "the page answers 1 to commands and 0 to all else", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    CHECK(ProSetPage(page.Get(), WM_COMMAND, MAKEWPARAM(1011, BN_CLICKED), 0) == 1);
+    CHECK(ProSetPage(page.Get(), WM_COMMAND, MAKEWPARAM(1018, BN_CLICKED), 0) == 1);
+    CHECK(ProSetPage(page.Get(), WM_COMMAND, MAKEWPARAM(1006, CBN_EDITCHANGE), 0) == 1);
+    CHECK(ProSetPage(page.Get(), WM_SETFONT, 0, 0) == 0);
+    CHECK(ProSetPage(page.Get(), WM_MOUSEMOVE, 0, 0) == 0);
+    for (const UINT uiCode : {PSN_SETACTIVE, PSN_KILLACTIVE, PSN_RESET, PSN_QUERYCANCEL, PSN_HELP, PSN_APPLY})
+    {
+        CHECK(page.Notify(uiCode) == 0);
+    }
+}
+
+TEST_CASE_METHOD(EditFixture, "a box is read as a number", "[ui][settings]")
+{
+    const PageWindow page = Open();
+    bPaperSync = 0;
+    SetWindowTextW(page.Item(1007), L"12345");
+    wchar_t szText[64];
+    int iResult = 7;
+    CHECK(SubGetEditToINT(page.Item(1007), szText, 5, iResult) == 1);
+    CHECK(iResult == 1234);
+    CHECK(std::wstring(szText) == L"1234");
+    CHECK(SubGetEditToINT(page.Item(1007), szText, 64, iResult) == 1);
+    CHECK(iResult == 12345);
+    SetWindowTextW(page.Item(1007), L"");
+    CHECK(SubGetEditToINT(page.Item(1007), szText, 5, iResult) == 1);
+    CHECK(iResult == 0);
+    SetWindowTextW(page.Item(1007), L"0012");
+    CHECK(SubGetEditToINT(page.Item(1007), szText, 5, iResult) == 1);
+    CHECK(iResult == 12);
+    SetWindowTextW(page.Item(1007), L"1 2");
+    CHECK(SubGetEditToINT(page.Item(1007), szText, 5, iResult) == 0);
+    CHECK(iResult == 12); // left alone
+    CHECK(watcher.Count() == 1);
+    bPaperSync = 1;
+}
+
+TEST_CASE_METHOD(EditFixture, "a text of digits passes up to the length asked for", "[ui][settings]")
+{
+    CHECK(SubCheckAllNum(L"", 0) == 1);
+    CHECK(SubCheckAllNum(L"0123456789", 10) == 1);
+    CHECK(SubCheckAllNum(L"12x", 2) == 1);
+    CHECK(watcher.Count() == 0);
+    CHECK(SubCheckAllNum(L"12x", 3) == 0);
+    CHECK(SubCheckAllNum(L"xyz", 3) == 0); // one box for the first non-digit
+    CHECK(watcher.Count() == 2);
+}
+
+TEST_CASE_METHOD(EditFixture, "two pages of one process share the roles of the size boxes", "[ui][settings]")
+{
+    const PageWindow first = Open();
+    SheetDataFixture other;
+    other.UsePapers(kPapers);
+    other.in = in;
+    other.out = in;
+    const PageWindow second(module.handle, IDD_SETTINGS, &ProSetPage, reinterpret_cast<LPARAM>(&other.data));
+    second.Click(1012);
+    first.ChoosePaper(1); // portrait, but the last orientation handled was landscape
+    CHECK(first.Checked(1011));
+    CHECK(first.Text(1007) == L"420");
+    CHECK(first.Text(1008) == L"297");
+}
