@@ -30,6 +30,8 @@ public:
         Find(SplDeviceCaps, "DrvSplDeviceCaps");
         Find(ConvertDevMode, "DrvConvertDevMode");
         Find(QueryPrintEx, "DevQueryPrintEx");
+        Find(DocumentSheets, "DrvDocumentPropertySheets");
+        Find(DeviceSheets, "DrvDevicePropertySheets");
     }
     ~BuiltModule()
     {
@@ -46,6 +48,8 @@ public:
     decltype(&DrvSplDeviceCaps) SplDeviceCaps = nullptr;
     decltype(&DrvConvertDevMode) ConvertDevMode = nullptr;
     decltype(&DevQueryPrintEx) QueryPrintEx = nullptr;
+    decltype(&DrvDocumentPropertySheets) DocumentSheets = nullptr;
+    decltype(&DrvDevicePropertySheets) DeviceSheets = nullptr;
 
 private:
     template <typename Function>
