@@ -19,7 +19,7 @@ build: configure ## build/release/VelUI.dll and velhost.exe
 	@cmake --build --preset release -j $(JOBS) --target VelUI velhost
 	@ls -l $(BUILD)/VelUI.dll $(BUILD)/velhost.exe
 
-run: build ## install the driver into a Wine spooler and ask it for the printer's capabilities
+run: build ## install the driver into a Wine spooler, ask for its capabilities, show its document sheet
 	@tools/run.sh
 
 test: configure ## build everything and run all tests

@@ -1,6 +1,7 @@
 #include "state/ComputerCaps.h"
 
 #include "diag/LogSite.h"
+#include "state/ConfigSections.h"
 #include "state/FileLocker.h"
 #include "state/PrinterCaps.h"
 #include "state/ProfileKey.h"
@@ -20,8 +21,6 @@ namespace VelUtility
 
 namespace
 {
-
-constexpr wchar_t kCapsSection[] = L"DeviceCapabilities";
 
 /// How a capability lies in the file and in the caller's buffer.
 enum class CapForm

@@ -3,6 +3,7 @@
 #include "state/ClientConfig.h"
 
 #include "diag/LogSite.h"
+#include "state/ConfigSections.h"
 #include "state/FileLocker.h"
 #include "state/LoggedWrite.h"
 #include "state/ProfileReader.h"
@@ -24,7 +25,6 @@ namespace
 
 constexpr wchar_t kSettingSection[] = L"Setting";
 constexpr wchar_t kServerSection[] = L"ServerConfig";
-constexpr wchar_t kPrinterSection[] = L"Printer";
 
 /// Room for a text of Config.ini, in wide characters: 255 and a terminator.
 constexpr size_t kTextUnits = 256;

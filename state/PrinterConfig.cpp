@@ -1,6 +1,7 @@
 #include "state/PrinterConfig.h"
 
 #include "diag/LogSite.h"
+#include "state/ConfigSections.h"
 #include "state/FileLocker.h"
 #include "state/LoggedWrite.h"
 #include "state/ProfileWriter.h"
@@ -13,9 +14,6 @@ namespace VelUtility
 
 namespace
 {
-
-constexpr wchar_t kPrinterSection[] = L"Printer";
-constexpr wchar_t kCapsSection[] = L"DeviceCapabilities";
 
 bool WritePrinter(const PrinterInfo& info, const wchar_t* pszFile)
 {

@@ -50,6 +50,16 @@ bool MakePersonalFilePath(const wchar_t* szFileName, wchar_t* szPath)
     return MakeClientPath(kClientDataDir, kDataDirSize, szName, szPath);
 }
 
+bool MakeLoggedPersonalPath(const wchar_t* szFileName, wchar_t* szPath)
+{
+    if (!MakePersonalFilePath(szFileName, szPath))
+    {
+        LOG_ERROR_WORDS("MakePersonalFilePath failed.");
+        return false;
+    }
+    return true;
+}
+
 bool MakeUserMessageFilePath(const wchar_t* szFileName, std::wstring strUser, wchar_t* szPath)
 {
     TRACE_FUNCTION("VelUtility::MakeUserMessageFilePath");

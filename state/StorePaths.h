@@ -36,6 +36,8 @@ void FormatPersonalName(wchar_t* szName, const wchar_t* pszUserName, const wchar
 /// @param szPath [out] kStorePathUnits wide characters; untouched on failure.
 /// @return whether the path was made.
 bool MakePersonalFilePath(const wchar_t* szFileName, wchar_t* szPath);
+/// The same with a log line for a failure, in the caller's trace scope.
+bool MakeLoggedPersonalPath(const wchar_t* szFileName, wchar_t* szPath);
 
 /// The path of a message file: "user_name" in the client's DataDir, for the user given and not the current one.
 bool MakeUserMessageFilePath(const wchar_t* szFileName, std::wstring strUser, wchar_t* szPath);

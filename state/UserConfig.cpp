@@ -42,9 +42,8 @@ DWORD GetDefSetting(DWORD* pdwNoWaterPrint)
 {
     TRACE_FUNCTION("VelUtility::GetDefSetting");
     wchar_t szPath[kStorePathUnits];
-    if (!MakePersonalFilePath(kDefSettingFile, szPath))
+    if (!MakeLoggedPersonalPath(kDefSettingFile, szPath))
     {
-        LOG_ERROR_WORDS("MakePersonalFilePath failed.");
         return PSERR_FAILED;
     }
     const CScopeFileLock lock(szPath);
@@ -82,9 +81,8 @@ DWORD MakeServerPlaceFile(const ServerPlace* pstuPlace)
 {
     TRACE_FUNCTION("VelUtility::MakeServerPlaceFile");
     wchar_t szPath[kStorePathUnits];
-    if (!MakePersonalFilePath(L"server.ini", szPath))
+    if (!MakeLoggedPersonalPath(L"server.ini", szPath))
     {
-        LOG_ERROR_WORDS("MakePersonalFilePath failed.");
         return PSERR_FAILED;
     }
     const CScopeFileLock lock(szPath);
@@ -101,10 +99,9 @@ DWORD GetServerPlaceFile(ServerPlace* pstuPlace)
 {
     TRACE_FUNCTION("VelUtility::GetServerPlaceFile");
     wchar_t szPath[kStorePathUnits];
-    if (!MakePersonalFilePath(L"server.ini", szPath))
+    if (!MakeLoggedPersonalPath(L"server.ini", szPath))
     {
-        // Required: a failure shows only here and in the untouched record.
-        LOG_ERROR_WORDS("MakePersonalFilePath failed.");
+        // Required: a failure shows only in the log and in the untouched record.
         return PSERR_OK;
     }
     const CScopeFileLock lock(szPath);

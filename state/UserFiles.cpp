@@ -36,16 +36,6 @@ constexpr wchar_t kDevModeFile[] = L"DevMode.dat";
 constexpr size_t kDevModeBytes = 220;
 static_assert(sizeof(DEVMODEW) == kDevModeBytes, "DevMode.dat is a bare DEVMODEW");
 
-bool MakeLoggedPersonalPath(const wchar_t* pszFileName, wchar_t* szPath)
-{
-    if (!MakePersonalFilePath(pszFileName, szPath))
-    {
-        LOG_ERROR_WORDS("MakePersonalFilePath failed.");
-        return false;
-    }
-    return true;
-}
-
 bool MakeLoggedMessagePath(const std::wstring& strUser, wchar_t* szPath)
 {
     if (!MakeUserMessageFilePath(kMessageFile, strUser, szPath))

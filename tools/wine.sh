@@ -36,11 +36,14 @@ if [ ! -f "$WINEPREFIX/.ready" ]; then
         if [ ! -f "$WINEPREFIX/.ready" ]; then
             echo "== making the Wine prefix in $WINEPREFIX (about 10 s)" >&2
             wine wineboot -i >"$WINEPREFIX.log" 2>&1 || { cat "$WINEPREFIX.log" >&2; exit 1; }
-            # Debian's Wine does not look into the folder of its own fonts (the dialogs' one, and that of the window buttons).
-            cp /usr/share/wine/fonts/*.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
-            # The dialogs' font has no Chinese; a font that has is linked to it, as on a Chinese Windows.
-            wine reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink' /v Tahoma \
-                /t REG_MULTI_SZ /d 'wqy-microhei.ttc,WenQuanYi Micro Hei' /f >>"$WINEPREFIX.log" 2>&1
+            # Debian's Wine does not look into the folder of its own fonts, the one with the window buttons among them.
+            cp /usr/share/wine/fonts/marlett.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
+            # The dialogs' fonts give way to one that has Chinese. (Font links would be more like Windows, but Wine sets
+            # those anew whenever the code page changes.)
+            for font in 'MS Shell Dlg' Tahoma SimSun; do
+                wine reg add 'HKCU\Software\Wine\Fonts\Replacements' /v "$font" /d 'WenQuanYi Micro Hei' /f \
+                    >>"$WINEPREFIX.log" 2>&1
+            done
             wineserver -w
             touch "$WINEPREFIX/.ready"
         fi

@@ -83,6 +83,7 @@ void OnNotify(HWND hDlg, const NMHDR* pHeader)
             SubSetDlgData(hDlg, pstuPassData);
         }
         // Required: not guarded, unlike the line before it.
+        // cppcheck-suppress nullPointerRedundantCheck
         ReportOk(pstuPassData, pstuPassData->hSetPage);
         return;
     default:

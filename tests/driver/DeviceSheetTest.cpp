@@ -21,15 +21,10 @@ struct DeviceFixture : ClientFixture
 /// The same through the code in the test program, whose log tests can read.
 struct LoggedDeviceFixture : DeviceFixture
 {
-    LoggedDeviceFixture() : hOld(g_hModule)
-    {
-        g_hModule = module.handle;
-        calls.pfnEntry = &DrvDevicePropertySheets;
-    }
-    ~LoggedDeviceFixture() { g_hModule = hOld; }
+    LoggedDeviceFixture() { calls.pfnEntry = &DrvDevicePropertySheets; }
     Lines Own() const { return OwnLines(logging, "DrvDevicePropertySheets"); }
 
-    HMODULE hOld;
+    const TextsFrom texts{module.handle};
     LoggingOn logging{"OutputParam", "OutputFunBeginInfo"};
 };
 

@@ -42,15 +42,10 @@ struct DocumentFixture : ClientFixture
 /// The same through the code in the test program, whose log tests can read.
 struct LoggedDocumentFixture : DocumentFixture
 {
-    LoggedDocumentFixture() : hOld(g_hModule)
-    {
-        g_hModule = module.handle;
-        calls.pfnEntry = &DrvDocumentPropertySheets;
-    }
-    ~LoggedDocumentFixture() { g_hModule = hOld; }
+    LoggedDocumentFixture() { calls.pfnEntry = &DrvDocumentPropertySheets; }
     Lines Own() const { return OwnLines(logging, "DrvDocumentPropertySheets"); }
 
-    HMODULE hOld;
+    const TextsFrom texts{module.handle};
     LoggingOn logging{"OutputParam", "OutputFunBeginInfo"};
 };
 

@@ -4,6 +4,7 @@
 #include "tests/common/BuiltModule.h"
 #include "tests/common/PrivateRegistry.h"
 #include "tests/common/TempFolder.h"
+#include "tests/common/TextsFrom.h"
 
 #include <catch2/catch.hpp>
 
@@ -13,10 +14,8 @@ namespace
 /// Points the library's own module handle at the built DLL, where the texts are.
 struct TextsFixture
 {
-    TextsFixture() : hOld(g_hModule) { g_hModule = module.handle; }
-    ~TextsFixture() { g_hModule = hOld; }
     BuiltModule module;
-    HMODULE hOld;
+    const TextsFrom texts{module.handle};
 };
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "settings/DefaultRecord.h"
-#include "support/ModuleTexts.h"
 #include "tests/common/BuiltModule.h"
 #include "tests/common/ClientFixture.h"
+#include "tests/common/TextsFrom.h"
 
 #include <catch2/catch.hpp>
 
@@ -11,8 +11,6 @@ namespace
 /// A client whose user has no DevMode.dat; the module's texts come from the built DLL.
 struct DefaultFixture : ClientFixture
 {
-    DefaultFixture() : hOld(g_hModule) { g_hModule = module.handle; }
-    ~DefaultFixture() { g_hModule = hOld; }
     std::wstring DevModeFile() const { return folder.File(L"QPS@VEL_DevMode.dat"); }
     void WritePapers(const std::vector<int>& papers)
     {
@@ -25,7 +23,7 @@ struct DefaultFixture : ClientFixture
     }
 
     BuiltModule module;
-    HMODULE hOld;
+    const TextsFrom texts{module.handle};
 };
 
 } // namespace

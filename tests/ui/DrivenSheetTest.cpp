@@ -29,20 +29,7 @@ enum class Road
 /// A client with four papers, and a document's record.
 struct DrivenFixture : ClientFixture
 {
-    DrivenFixture()
-    {
-        WriteCaps(PaperKeys(kPapers, kAbleKeys));
-        record.stuDevmode.dmSpecVersion = 0x401;
-        record.stuDevmode.dmDriverVersion = 0x500;
-        record.stuDevmode.dmSize = 220;
-        record.stuDevmode.dmDriverExtra = 12;
-        record.stuDevmode.dmFields = 0x9903;
-        record.stuDevmode.dmOrientation = 1;
-        record.stuDevmode.dmPaperSize = 9;
-        record.stuDevmode.dmCopies = 3;
-        record.stuDevmode.dmColor = 1;
-        record.stuDevmode.dmDuplex = 1;
-    }
+    DrivenFixture() { WriteCaps(PaperKeys(kPapers, kAbleKeys)); }
 
     /// Opens the document sheet on the record.
     OpenSheet Open(Road road)
@@ -102,7 +89,7 @@ struct DrivenFixture : ClientFixture
 
     BuiltModule module;
     std::unique_ptr<TestPrinter> printer;
-    stuDrvDevmode record = {};
+    stuDrvDevmode record = PlainRecord();
     stuDrvDevmode result = {};
     VelHost::SheetOutcome outcome;
     LONG lSpooled = 0;

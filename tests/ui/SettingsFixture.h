@@ -18,13 +18,7 @@ struct SettingsFixture : SheetDataFixture
     SettingsFixture()
     {
         UsePapers(kPapers);
-        in.stuDevmode.dmSize = 220;
-        in.stuDevmode.dmDriverExtra = 12;
-        in.stuDevmode.dmFields = 0x9903;
-        in.stuDevmode.dmOrientation = 1;
-        in.stuDevmode.dmPaperSize = 9;
-        in.stuDevmode.dmColor = 1;
-        in.stuDevmode.dmDuplex = 1;
+        in = PlainRecord();
         out = in;
         bPaperSync = 1;
         bNoSwap = 1;

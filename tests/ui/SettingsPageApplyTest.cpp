@@ -32,10 +32,7 @@ TEST_CASE_METHOD(ApplyFixture, "an apply writes the choices into both records an
     page.Click(1016);
     CHECK(page.Notify(PSN_APPLY) == 0);
 
-    stuDrvDevmode expected = {};
-    expected.stuDevmode.dmSize = 220;
-    expected.stuDevmode.dmDriverExtra = 12;
-    expected.stuDevmode.dmFields = 0x9903;
+    stuDrvDevmode expected = PlainRecord();
     expected.stuDevmode.dmOrientation = 2;
     expected.stuDevmode.dmPaperSize = 8;
     expected.stuDevmode.dmPaperWidth = 111; // a listed paper changes its number alone

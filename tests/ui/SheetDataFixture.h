@@ -3,9 +3,9 @@
 
 #include "settings/PaperCatalogue.h"
 #include "settings/SheetData.h"
-#include "support/ModuleTexts.h"
 #include "tests/common/BuiltModule.h"
 #include "tests/common/ClientFixture.h"
+#include "tests/common/TextsFrom.h"
 
 #include <string>
 #include <utility>
@@ -47,6 +47,23 @@ inline const std::vector<Paper> kPapers = {
 /// A printer that can turn the paper, print in colour and on both sides.
 inline const CapKeys kAbleKeys = {{L"Orientation", L"90"}, {L"ColorDevice", L"1"}, {L"Duplex", L"1"}};
 
+/// The driver's record for one-sided monochrome A4, upright.
+inline stuDrvDevmode PlainRecord()
+{
+    stuDrvDevmode record = {};
+    record.stuDevmode.dmSpecVersion = 0x401;
+    record.stuDevmode.dmDriverVersion = 0x500;
+    record.stuDevmode.dmSize = 220;
+    record.stuDevmode.dmDriverExtra = 12;
+    record.stuDevmode.dmFields = 0x9903;
+    record.stuDevmode.dmOrientation = 1;
+    record.stuDevmode.dmPaperSize = 9;
+    record.stuDevmode.dmCopies = 3;
+    record.stuDevmode.dmColor = 1;
+    record.stuDevmode.dmDuplex = 1;
+    return record;
+}
+
 /// A call of the sheet library's function by a page.
 struct LibraryCall
 {
@@ -58,9 +75,8 @@ struct LibraryCall
 
 struct SheetDataFixture : ClientFixture
 {
-    SheetDataFixture() : hOld(g_hModule)
+    SheetDataFixture()
     {
-        g_hModule = module.handle; // where the texts, dialogs and icons are
         data.pdmIn = &in;
         data.pdmOut = &out;
         data.pfnComPropSheet = &SheetDataFixture::OnLibraryCall;
@@ -69,7 +85,6 @@ struct SheetDataFixture : ClientFixture
         data.hSeniorPage = 0x5E1;
         data.bPassResult = 1;
     }
-    ~SheetDataFixture() { g_hModule = hOld; }
 
     /// Writes a snapshot and builds the list from it, as the sheet does.
     void UsePapers(const std::vector<Paper>& papers, const CapKeys& others = kAbleKeys)
@@ -84,7 +99,7 @@ struct SheetDataFixture : ClientFixture
     std::wstring DefSettingFile() const { return folder.File(L"QPS@VEL_defsetting.ini"); }
 
     BuiltModule module;
-    HMODULE hOld;
+    const TextsFrom texts{module.handle};
     stuDrvDevmode in = {};
     stuDrvDevmode out = {};
     std::vector<stuPaperInfo> list;
