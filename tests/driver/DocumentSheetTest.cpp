@@ -325,7 +325,8 @@ TEST_CASE_METHOD(DocumentFixture, "a list of papers that can't be filled opens a
     calls.Call(PROPSHEETUI_REASON_DESTROY);
 }
 
-TEST_CASE_METHOD(DocumentFixture, "a page that the library refuses ends the sheet; earlier ones stay with the library",
+TEST_CASE_METHOD(DocumentFixture,
+                 "a page that the library refuses ends the sheet, and earlier ones stay with the library",
                  "[driver][sheet][memory]")
 {
     const size_t uiRefused = GENERATE(1u, 2u, 3u);

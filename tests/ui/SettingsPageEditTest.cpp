@@ -466,7 +466,7 @@ TEST_CASE_METHOD(EditFixture, "the binding's handler does not uncheck the other 
     CHECK(page.Checked(1014));
 }
 
-TEST_CASE_METHOD(EditFixture, "each button tells the sheet of a change; the help button does nothing", "[ui][settings]")
+TEST_CASE_METHOD(EditFixture, "each button but the help button tells the sheet of a change", "[ui][settings]")
 {
     in.stuDevmode.dmDuplex = 2;
     const PageWindow page = Open();

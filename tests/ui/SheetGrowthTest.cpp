@@ -9,6 +9,9 @@
 
 #include <malloc.h>
 
+#include <algorithm>
+#include <vector>
+
 namespace
 {
 
@@ -26,17 +29,36 @@ size_t InUse(HANDLE hHeap)
     return cbUsed;
 }
 
-/// What a process holds, as the number that the next object of each kind gets: the first free place of its table.
+constexpr size_t kProbes = 400;
+
+/// Objects of a kind in use: the platform fills the free places of its table before it opens new ones, so that the
+/// highest number among many new objects tells how many there are in all.
+template <typename Make, typename Destroy>
+size_t CountObjects(Make make, Destroy destroy)
+{
+    std::vector<decltype(make())> probes;
+    size_t uiHighest = 0;
+    for (size_t i = 0; i < kProbes; ++i)
+    {
+        probes.push_back(make());
+        uiHighest = std::max<size_t>(uiHighest, LOWORD(reinterpret_cast<UINT_PTR>(probes.back())));
+    }
+    for (const auto& probe : probes)
+    {
+        destroy(probe);
+    }
+    return uiHighest;
+}
+
+/// What a process holds.
 struct Holdings
 {
     Holdings() : uiHandle(NextHandle())
     {
-        const HWND hWindow = CreateWindowW(L"STATIC", L"", 0, 0, 0, 1, 1, HWND_MESSAGE, nullptr, nullptr, nullptr);
-        uiUser = LOWORD(reinterpret_cast<UINT_PTR>(hWindow));
-        DestroyWindow(hWindow);
-        const HPEN hPen = CreatePen(PS_SOLID, 3, RGB(1, 2, 3));
-        uiGdi = LOWORD(reinterpret_cast<UINT_PTR>(hPen));
-        DeleteObject(hPen);
+        uiUser = CountObjects(
+            [] { return CreateWindowW(L"STATIC", L"", 0, 0, 0, 1, 1, HWND_MESSAGE, nullptr, nullptr, nullptr); },
+            DestroyWindow);
+        uiGdi = CountObjects([] { return CreatePen(PS_SOLID, 3, RGB(1, 2, 3)); }, DeleteObject);
         cbPlatformHeap = InUse(GetProcessHeap());
         cbModuleHeap = InUse(reinterpret_cast<HANDLE>(_get_heap_handle()));
     }
