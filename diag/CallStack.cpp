@@ -75,10 +75,12 @@ void PopTraceFrame() noexcept
     });
 }
 
-void DumpCallStack(log4cpp::Category* pCategory, int iPriority)
+void DumpCallStack(FrameName frame, int iPriority)
 {
     std::string strStack = log4cpp::NDC::get();
+    log4cpp::Category* const pCategory = FindCategory(frame);
     OutputSwitches switches;
+    // The caller has found the category: it is there.
     if (GetOutputSwitches(pCategory->getName(), switches) != 0 || !switches.outputNDCFullmessage)
     {
         return;
@@ -89,10 +91,10 @@ void DumpCallStack(log4cpp::Category* pCategory, int iPriority)
     for (size_t uiEnd = strStack.find('$'); uiEnd != std::string::npos; uiEnd = strStack.find('$'))
     {
         // Required: from the second frame on, the module's column starts with the blank that joins the frames.
-        FrameName frame;
-        SplitFrameName(strStack.substr(0, uiEnd), frame);
-        pCategory->log(iPriority, "\t\t\t@_@ %d\t%s\t\t\t%s\t\t\t\t%s\n", iDepth, frame.strModule.c_str(),
-                       frame.strClass.c_str(), frame.strFunction.c_str());
+        FrameName row;
+        SplitFrameName(strStack.substr(0, uiEnd), row);
+        pCategory->log(iPriority, "\t\t\t@_@ %d\t%s\t\t\t%s\t\t\t\t%s\n", iDepth, row.strModule.c_str(),
+                       row.strClass.c_str(), row.strFunction.c_str());
         strStack.erase(0, uiEnd + 1);
         ++iDepth;
     }

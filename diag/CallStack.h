@@ -3,8 +3,8 @@
 
 #include "diag/Frame.h"
 
-/// Writes the thread's frames as a table, the outermost first, if the category's switch outputNDCFullmessage is on.
-/// Called under the level function's handler and guard: it may throw.
-/// @param pCategory the category that took the message, never null.
+/// Writes the thread's frames as a table, the outermost first, if the switch outputNDCFullmessage of the frame's
+/// category is on. Called under the level function's handler and guard: it may throw.
+/// @param frame     the parts of the current frame.
 /// @param iPriority the message's priority; the category tests it again.
-void DumpCallStack(log4cpp::Category* pCategory, int iPriority);
+void DumpCallStack(FrameName frame, int iPriority);

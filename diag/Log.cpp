@@ -79,7 +79,7 @@ void WriteLevel(const LogTarget& target, const Level& level, const char* pszForm
     target.pCategory->log(level.iPriority, szLine);
     if (level.bDumpsStack)
     {
-        DumpCallStack(target.pCategory, level.iPriority);
+        DumpCallStack(target.frame, level.iPriority);
     }
 }
 
@@ -95,7 +95,7 @@ void WriteFatal(const LogTarget& target, const char* pszFormat, va_list argument
     const EventLogScope eventLog(target.pCategory, target.frame, switches.outputNTEventLog);
     const Message message(pszFormat, arguments);
     target.pCategory->fatal("[ThreadID:%lu] FATAL - %s", GetCurrentThreadId(), message.szText);
-    DumpCallStack(target.pCategory, kPriorityFatal);
+    DumpCallStack(target.frame, kPriorityFatal);
 }
 
 void WriteParam(const LogTarget& target, const char* pszFormat, va_list arguments)

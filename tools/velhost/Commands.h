@@ -31,6 +31,7 @@ void AddMachineCommand(CLI::App& program, int& iExitCode);
 void AddSettingsCommand(CLI::App& program, int& iExitCode);
 void AddSetCommand(CLI::App& program, int& iExitCode);
 void AddDevmodeCommand(CLI::App& program, int& iExitCode);
+void AddLogCommand(CLI::App& program, int& iExitCode);
 void AddSheetCommand(CLI::App& program, int& iExitCode);
 
 } // namespace VelHost

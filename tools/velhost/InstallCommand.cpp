@@ -2,6 +2,7 @@
 #include "tools/velhost/CommandError.h"
 #include "tools/velhost/Commands.h"
 #include "tools/velhost/HostModule.h"
+#include "tools/velhost/LogSetup.h"
 #include "tools/velhost/Output.h"
 #include "tools/velhost/Spooler.h"
 #include "tools/velhost/Table.h"
@@ -23,6 +24,7 @@ struct InstallOptions
     std::string strPort = "FILE:";
     std::string strSample;
     bool bForce = false;
+    bool bLogging = false;
     bool bJson = false;
 };
 
@@ -33,6 +35,7 @@ struct InstallReport
     const char* pszDriver = "";
     const char* pszPrinter = "";
     const char* pszConfig = "";
+    const char* pszLogConfig = ""; ///< empty when none was asked for
 };
 
 /// The calls that the spooler makes without asking whether they are there.
@@ -157,6 +160,26 @@ void CopySample(const std::wstring& strSample, const std::wstring& strConfig, bo
     report.pszConfig = bThere ? "overwritten" : "copied";
 }
 
+/// Installs the sample log configuration, unless there is one and it is to be kept.
+void InstallLogConfig(const std::vector<ClientFolder>& folders, bool bForce, InstallRecord& record,
+                      InstallReport& report)
+{
+    const std::wstring strConfig = JoinPath(FolderOf(folders, L"InstallDir"), kLogConfigName);
+    const bool bThere = IsFile(strConfig);
+    if (bThere && !bForce)
+    {
+        report.pszLogConfig = "there already, kept";
+        return;
+    }
+    WriteLogConfig(JoinPath(ProgramFolder(), kSampleLogConfig), strConfig, FolderOf(folders, L"LogDir"));
+    if (!bThere)
+    {
+        AddOnce(record.files, strConfig);
+        AddOnce(record.files, JoinPath(FolderOf(folders, L"InstallDir"), kLogConfigOffName));
+    }
+    report.pszLogConfig = bThere ? "overwritten" : "installed";
+}
+
 void PrintReport(const InstallOptions& options, const InstallReport& report, const std::vector<ClientFolder>& folders,
                  const std::wstring& strConfig)
 {
@@ -171,6 +194,7 @@ void PrintReport(const InstallOptions& options, const InstallReport& report, con
             value["folders"][ToUtf8(folder.strValue)] = ToUtf8(folder.strPath);
         }
         value["config"] = {{"file", ToUtf8(strConfig)}, {"state", report.pszConfig}};
+        value["logConfig"] = *report.pszLogConfig == '\0' ? Json() : Json(report.pszLogConfig);
         PrintJson(value);
         return;
     }
@@ -183,6 +207,11 @@ void PrintReport(const InstallOptions& options, const InstallReport& report, con
         table.AddRow({ToUtf8(folder.strValue), ToUtf8(folder.strPath), "set"});
     }
     table.AddRow({"snapshot", ToUtf8(strConfig), report.pszConfig});
+    if (*report.pszLogConfig != '\0')
+    {
+        table.AddRow(
+            {"logging", ToUtf8(JoinPath(FolderOf(folders, L"InstallDir"), kLogConfigName)), report.pszLogConfig});
+    }
     Print(table.Text());
 }
 
@@ -210,6 +239,10 @@ int RunInstall(const InstallOptions& options)
     record.Save();
     const std::wstring strConfig = JoinPath(FolderOf(folders, L"TempDir"), L"Config.ini");
     CopySample(strSample, strConfig, options.bForce, record, report);
+    if (options.bLogging)
+    {
+        InstallLogConfig(folders, options.bForce, record, report);
+    }
     record.Save();
     AddDriver(strModule, report);
     AddOnce(record.driverFiles, report.strDriverFile);
@@ -240,7 +273,8 @@ void AddInstallCommand(CLI::App& program, int& iExitCode)
         ->add_option("--sample", pOptions->strSample,
                      "The snapshot to copy; sample\\Config.ini beside this program by default")
         ->type_name("FILE");
-    pCommand->add_flag("--force", pOptions->bForce, "Overwrite a snapshot that is there");
+    pCommand->add_flag("--force", pOptions->bForce, "Overwrite a snapshot, and a log configuration, that is there");
+    pCommand->add_flag("--logging", pOptions->bLogging, "Install the sample log configuration: every call is logged");
     pCommand->add_flag("--json", pOptions->bJson, "Print JSON instead of a table");
     pCommand->callback([pOptions, &iExitCode] { iExitCode = RunInstall(*pOptions); });
 }

@@ -183,7 +183,7 @@ int RunUninstall(const UninstallOptions& options)
     {
         for (const std::wstring& strFile : record.files)
         {
-            RemoveFile("snapshot", strFile, steps);
+            RemoveFile("file", strFile, steps);
         }
         RemoveFolders(record, steps);
     }

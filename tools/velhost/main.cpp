@@ -21,7 +21,7 @@ const AddCommand kCommands[] = {
     &VelHost::AddInstallCommand, &VelHost::AddUninstallCommand, &VelHost::AddCapsCommand,  &VelHost::AddSplCapsCommand,
     &VelHost::AddConvertCommand, &VelHost::AddSnapshotCommand,  &VelHost::AddEventCommand, &VelHost::AddClientCommand,
     &VelHost::AddMachineCommand, &VelHost::AddSettingsCommand,  &VelHost::AddSetCommand,   &VelHost::AddDevmodeCommand,
-    &VelHost::AddSheetCommand,
+    &VelHost::AddSheetCommand,   &VelHost::AddLogCommand,
 };
 
 /// @return the message on one line.
