@@ -3,6 +3,7 @@
 #include "diag/Log.h"
 #include "diag/OutputSwitches.h"
 #include "diag/Quietly.h"
+#include "diag/ThreadNdc.h"
 
 #include <log4cpp/NDC.hh>
 
@@ -68,9 +69,7 @@ void PopTraceFrame() noexcept
         }
         if (log4cpp::NDC::getDepth() == 0)
         {
-            // log4cpp can't free one thread's NDC; without its entries it is a few words.
-            log4cpp::NDC::clear();
-            log4cpp::NDC::getNDC()._stack.shrink_to_fit();
+            FreeThreadNdc();
         }
     });
 }

@@ -2,13 +2,21 @@
 
 #include "diag/LogConfigurator.h"
 #include "diag/Quietly.h"
+#include "diag/ThreadNdc.h"
 
 #include <log4cpp/Category.hh>
 #include <log4cpp/HierarchyMaintainer.hh>
-#include <log4cpp/NDC.hh>
 #include <log4cpp/PropertyConfigurator.hh>
 
 bool loggingDisabled = true;
+
+namespace
+{
+
+/// Whether a start has handed the library anything. A start that failed half way has, and leaves logging off.
+bool s_bLibraryUsed = false;
+
+} // namespace
 
 int StartLogging(const char* pszConfigFile) noexcept
 {
@@ -17,6 +25,7 @@ int StartLogging(const char* pszConfigFile) noexcept
     {
         const std::string strConfigFile = pszConfigFile != nullptr ? pszConfigFile : "";
         LogConfigurator configurator;
+        s_bLibraryUsed = true;
         log4cpp::PropertyConfigurator::configure(strConfigFile);
         configurator.configure(strConfigFile);
         logFilter = configurator.getFilter();
@@ -31,16 +40,22 @@ int StartLogging(const char* pszConfigFile) noexcept
 
 void StopLogging() noexcept
 {
-    if (loggingDisabled)
+    if (!s_bLibraryUsed)
     {
         return;
     }
     Quietly([] {
+        const bool bWasOn = !loggingDisabled;
         // Off first: a call that comes from now on must not meet a library that is being taken down.
         loggingDisabled = true;
-        // Takes the appenders off the categories and deletes them, then the categories themselves.
+        s_bLibraryUsed = false;
+        // Takes the appenders off the categories and deletes them, then the categories themselves; also those of a
+        // start that failed half way, whose log file would stay open.
         log4cpp::Category::shutdownForced();
         log4cpp::HierarchyMaintainer::getDefaultMaintainer().deleteAllCategories();
-        log4cpp::NDC::clear();
+        if (bWasOn)
+        {
+            FreeThreadNdc();
+        }
     });
 }

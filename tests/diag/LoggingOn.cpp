@@ -64,8 +64,8 @@ void LoggingOn::Start(const LogSetup& setup)
 
 LoggingOn::~LoggingOn()
 {
-    // A start that failed half way leaves appenders behind, which StopLogging does not touch.
     StopLogging();
+    // For a test that has stopped logging itself and used the library since.
     log4cpp::Category::shutdownForced();
     log4cpp::HierarchyMaintainer::getDefaultMaintainer().deleteAllCategories();
     log4cpp::NDC::clear();
