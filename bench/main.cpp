@@ -49,6 +49,13 @@ private:
     HKEY m_hRoot = nullptr;
 };
 
+VELUI_SOURCE_MODULE("Bench");
+
+[[gnu::noinline]] void Unlikely()
+{
+    std::puts("logging is on");
+}
+
 void KeepLoop()
 {
     __asm__ volatile("" ::: "memory");
@@ -69,36 +76,52 @@ int main()
     }
 
     std::vector<Measurement> measurements;
-    // The floor of a disabled predicate and scope is an empty loop, so these rows are read by their difference.
-    const Loop empty = [](int iCalls) {
+    // The floor of a log call while logging is off: the load of a byte and a branch, and the loop around them.
+    const Loop loadAndBranch = [](int iCalls) {
         for (int i = 0; i < iCalls; ++i)
         {
+            if (!loggingDisabled)
+            {
+                Unlikely();
+            }
             KeepLoop();
         }
     };
-    measurements.push_back(Measure(
-        "disabled predicate (over an empty loop)", empty,
-        [](int iCalls) {
-            for (int i = 0; i < iCalls; ++i)
+    const auto offRow = [&](const char* pszName, const Loop& ours) {
+        measurements.push_back(Measure(pszName, loadAndBranch, ours, 1000000, 31));
+    };
+    offRow("logging off: a predicate and its log line", [](int iCalls) {
+        for (int i = 0; i < iCalls; ++i)
+        {
+            LOG_ERROR("%d", i);
+            KeepLoop();
+        }
+    });
+    offRow("logging off: LogParam with an argument's text", [](int iCalls) {
+        for (int i = 0; i < iCalls; ++i)
+        {
+            LOG_RESULT(i);
+            KeepLoop();
+        }
+    });
+    offRow("logging off: a trace scope, its begin and its end", [](int iCalls) {
+        for (int i = 0; i < iCalls; ++i)
+        {
+            const TraceScope scope("Bench");
+            KeepLoop();
+        }
+    });
+    offRow("logging off: a scope, FunctionTrace, an argument", [](int iCalls) {
+        for (int i = 0; i < iCalls; ++i)
+        {
+            TRACE_FUNCTION("Bench");
+            if (IsFatalEnabled())
             {
-                if (IsErrorEnabled())
-                {
-                    LogError("%d", i);
-                }
-                KeepLoop();
+                TRACE_ARGUMENT(i);
             }
-        },
-        1000000, 31));
-    measurements.push_back(Measure(
-        "disabled trace scope with FunctionTrace (over an empty loop)", empty,
-        [](int iCalls) {
-            for (int i = 0; i < iCalls; ++i)
-            {
-                TRACE_FUNCTION("Bench");
-                KeepLoop();
-            }
-        },
-        1000000, 31));
+            KeepLoop();
+        }
+    });
     measurements.push_back(Measure(
         "DrvDeviceCapabilities, number (DC_COPIES)",
         [](int iCalls) {
