@@ -101,5 +101,6 @@ wine "$@" >"$output" 2>"$output.err"
 status=$?
 cat "$output"
 cat "$output.err" >&2
+[ "$status" = 0 ] || [ -s "$output" ] || [ -s "$output.err" ] || echo "wine.sh: $1 ended with $status and no word" >&2
 rm -f "$output" "$output.err"
 exit $status
