@@ -131,7 +131,7 @@ bool MakePaperList(stuPassData* pstuPassData)
     }
     const size_t uiEntries = size_t{dwPapers} + 1;
     // Required: nobody ever frees the list of a sheet.
-    pstuPassData->pstuPaperInfo = AllocateZeroed<stuPaperInfo>(uiEntries);
+    pstuPassData->pstuPaperInfo = dwPapers <= kMostPapers ? AllocateZeroed<stuPaperInfo>(uiEntries) : nullptr;
     if (pstuPassData->pstuPaperInfo == nullptr)
     {
         LOG_ERROR("malloc failed. size = %u", static_cast<unsigned>(uiEntries * sizeof(stuPaperInfo)));

@@ -1,6 +1,7 @@
 #include "settings/DefaultRecord.h"
 
 #include "diag/LogSite.h"
+#include "settings/PaperInfo.h"
 #include "support/Resource.h"
 #include "state/ComputerCaps.h"
 #include "state/StoreTypes.h"
@@ -66,8 +67,9 @@ short SubSetDefPaperSize()
     {
         return DMPAPER_A4;
     }
-    const MallocPtr<WORD[]> pPapers(static_cast<WORD*>(std::malloc(sizeof(WORD) * dwCount)));
-    if (!pPapers || VelUtility::GetComputerCaps(DC_PAPERS, pPapers.get()) == VelUtility::kNoAnswer)
+    const MallocPtr<WORD[]> pPapers(dwCount <= kMostPapers ? static_cast<WORD*>(std::malloc(sizeof(WORD) * dwCount))
+                                                           : nullptr);
+    if (!pPapers || VelUtility::GetComputerCaps(DC_PAPERS, pPapers.get(), dwCount) == VelUtility::kNoAnswer)
     {
         return DMPAPER_A4;
     }

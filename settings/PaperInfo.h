@@ -9,6 +9,10 @@
 /// Wide characters of a paper's name, the terminator included.
 inline constexpr size_t kPaperNameUnits = 64;
 
+/// The most papers that a list is made of: their numbers have 16 bits. A snapshot that claims more is damaged, and its
+/// list counts as one that there is no memory for.
+inline constexpr DWORD kMostPapers = 65536;
+
 /// A catalogue entry; 140 bytes.
 struct stuPaperInfo
 {
