@@ -22,10 +22,14 @@ build: configure ## build/release/VelUI.dll and velhost.exe
 run: build ## install the driver into a Wine spooler, ask for its capabilities, show its document sheet
 	@tools/run.sh
 
-test: configure ## build everything and run all tests
+test: configure ## build everything twice, plain and with traps for undefined behaviour, and run all tests of both
 	@echo "== building the module, the host program and the tests"
 	@cmake --build --preset release -j $(JOBS)
 	@tools/test.sh
+	@echo "== building the same with traps for undefined behaviour, checks of the C++ library and guarded stacks"
+	@if [ ! -f build/checked/build.ninja ]; then cmake --preset checked > build/checked.log || { cat build/checked.log; exit 1; }; fi
+	@cmake --build --preset checked -j $(JOBS)
+	@VELUI_BUILD=checked tools/test.sh
 
 bench: configure ## measure against the floor
 	@cmake --build --preset release -j $(JOBS) --target velbench VelUI

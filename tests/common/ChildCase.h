@@ -11,3 +11,12 @@ inline DWORD ExitCodeOfCase(const std::wstring& strCase)
     ChildProcess child(BesideTests(L"veltests.exe"), {strCase});
     return child.Wait(60000);
 }
+
+/// Whether a process ended by a fault: an access violation, or the trap that the compiler puts in the place of a use of
+/// a null pointer that it sees.
+inline bool IsFault(DWORD dwExitCode)
+{
+    return dwExitCode == static_cast<DWORD>(EXCEPTION_ACCESS_VIOLATION) ||
+           dwExitCode == static_cast<DWORD>(EXCEPTION_ILLEGAL_INSTRUCTION) ||
+           dwExitCode == static_cast<DWORD>(EXCEPTION_BREAKPOINT);
+}

@@ -404,10 +404,10 @@ TEST_CASE_METHOD(DocumentFixture, "child: a result for a caller without a record
 
 TEST_CASE("the process faults where a null pointer is trusted", "[driver][sheet]")
 {
-    CHECK(ExitCodeOfCase(L"child: no memory for the input record") == 0xC0000005);
-    CHECK(ExitCodeOfCase(L"child: no memory for the working record") == 0xC0000005);
-    CHECK(ExitCodeOfCase(L"child: the end of a sheet that has no data") == 0xC0000005);
-    CHECK(ExitCodeOfCase(L"child: a result for a caller without a record") == 0xC0000005);
+    CHECK(IsFault(ExitCodeOfCase(L"child: no memory for the input record")));
+    CHECK(IsFault(ExitCodeOfCase(L"child: no memory for the working record")));
+    CHECK(IsFault(ExitCodeOfCase(L"child: the end of a sheet that has no data")));
+    CHECK(IsFault(ExitCodeOfCase(L"child: a result for a caller without a record")));
 }
 
 TEST_CASE_METHOD(LoggedDocumentFixture, "an opened sheet logs its road", "[driver][sheet][log]")
