@@ -2,6 +2,7 @@
 /// The built DLL, as a host loads it.
 
 #include "support/PrinterInterface.h"
+#include "tests/common/Invariants.h"
 
 #include <string>
 
@@ -20,7 +21,8 @@ inline std::wstring ModulePath()
     return BesideTests(L"VelUI.dll");
 }
 
-/// Loads the DLL and gives it back. The entry points are null when the DLL did not load.
+/// Loads the DLL and gives it back. Each call of an entry point is checked to leave the caller's state alone. The entry
+/// points are null when the DLL did not load.
 class BuiltModule
 {
 public:
@@ -44,18 +46,19 @@ public:
     BuiltModule& operator=(const BuiltModule&) = delete;
 
     HMODULE handle;
-    decltype(&DrvDeviceCapabilities) DeviceCapabilities = nullptr;
-    decltype(&DrvSplDeviceCaps) SplDeviceCaps = nullptr;
-    decltype(&DrvConvertDevMode) ConvertDevMode = nullptr;
-    decltype(&DevQueryPrintEx) QueryPrintEx = nullptr;
-    decltype(&DrvDocumentPropertySheets) DocumentSheets = nullptr;
-    decltype(&DrvDevicePropertySheets) DeviceSheets = nullptr;
+    CheckedEntry<decltype(&DrvDeviceCapabilities)> DeviceCapabilities;
+    CheckedEntry<decltype(&DrvSplDeviceCaps)> SplDeviceCaps;
+    CheckedEntry<decltype(&DrvConvertDevMode)> ConvertDevMode;
+    CheckedEntry<decltype(&DevQueryPrintEx)> QueryPrintEx;
+    CheckedEntry<decltype(&DrvDocumentPropertySheets)> DocumentSheets;
+    CheckedEntry<decltype(&DrvDevicePropertySheets)> DeviceSheets;
 
 private:
     template <typename Function>
     void Find(Function& pfn, const char* pszName)
     {
-        pfn = handle != nullptr ? reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(handle, pszName)))
+        using Bare = typename Function::Function;
+        pfn = handle != nullptr ? reinterpret_cast<Bare>(reinterpret_cast<void*>(GetProcAddress(handle, pszName)))
                                 : nullptr;
     }
 };
