@@ -1,6 +1,6 @@
 # The project's commands. Each installs what is missing (Debian 12, as root) and can be run again in seconds.
 .DEFAULT_GOAL := help
-.PHONY: help setup configure build run test fuzz bench check clean
+.PHONY: help setup configure build run test fuzz stress bench check clean
 
 BUILD := build/release
 JOBS := $(shell nproc)
@@ -34,6 +34,10 @@ test: configure ## build everything twice, plain and with traps for undefined be
 fuzz: configure ## the fuzz tests at length (hours); a failing case is kept in build/release/fuzz.replay
 	@cmake --build --preset release -j $(JOBS) --target veltests
 	@cd $(BUILD) && VELUI_FUZZ_LONG=1 ../../tools/wine.sh --session ../../tools/wine.sh veltests.exe "[fuzz]"
+
+stress: configure ## 60 seconds of contention over the store's files
+	@cmake --build --preset release -j $(JOBS) --target veltests
+	@cd $(BUILD) && VELUI_STRESS_SECONDS=60 ../../tools/wine.sh --session ../../tools/wine.sh veltests.exe "[contention]"
 
 bench: configure ## measure against the floor
 	@cmake --build --preset release -j $(JOBS) --target velbench VelUI
