@@ -1,0 +1,83 @@
+#pragma once
+/// A platform function that fails at its n-th call, at the import table of the test program, which holds the module's
+/// code too.
+
+#include "tests/common/ImportHook.h"
+
+#include <windows.h>
+
+/// Which call of the one function under fault fails.
+struct FaultPlan
+{
+    int iFailing = 0;      ///< counted from 1; 0 for none
+    bool bOnwards = false; ///< whether all calls behind it fail too
+    int iCalls = 0;        ///< calls so far
+    void* pfnReal = nullptr;
+
+    /// Counts a call. @return whether it is to fail.
+    bool Fails()
+    {
+        ++iCalls;
+        return iFailing != 0 && (bOnwards ? iCalls >= iFailing : iCalls == iFailing);
+    }
+};
+
+inline FaultPlan s_faultPlan;
+
+/// The replacement of a function: fails by the plan with a result and a last error, else calls the real one.
+template <typename Function>
+struct Faulty;
+
+template <typename Result, typename... Arguments>
+struct Faulty<Result(Arguments...)>
+{
+    static inline Result s_failed = {};
+    static inline DWORD s_dwError = 0;
+
+    static Result Call(Arguments... arguments)
+    {
+        if (s_faultPlan.Fails())
+        {
+            SetLastError(s_dwError);
+            return s_failed;
+        }
+        return reinterpret_cast<Result (*)(Arguments...)>(s_faultPlan.pfnReal)(arguments...);
+    }
+};
+
+/// One function that can be made to fail.
+struct FaultyFunction
+{
+    const char* pszName;
+    void (*pfnReplacement)();
+    void (*pfnPrepare)(); ///< sets what a failed call answers
+};
+
+/// Describes a function. The platform has one calling convention on the target.
+#define FAULTY(function, failed, error)                                                                                \
+    FaultyFunction                                                                                                     \
+    {                                                                                                                  \
+#function, reinterpret_cast<void (*)()>(&Faulty<decltype(function)>::Call), [] {                               \
+            Faulty<decltype(function)>::s_failed = failed;                                                             \
+            Faulty<decltype(function)>::s_dwError = error;                                                             \
+        }       \
+    }
+
+/// Makes one function fail by a plan for the length of a scope.
+class FaultScope
+{
+public:
+    FaultScope(const FaultyFunction& function, int iFailing, bool bOnwards)
+        : m_hook(nullptr, function.pszName, function.pfnReplacement)
+    {
+        function.pfnPrepare();
+        s_faultPlan = {iFailing, bOnwards, 0, m_hook.Original()};
+    }
+    ~FaultScope() { s_faultPlan.iFailing = 0; }
+
+    /// Calls of the function so far.
+    static int Calls() { return s_faultPlan.iCalls; }
+
+private:
+    ImportHook m_hook;
+};
