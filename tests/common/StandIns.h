@@ -19,9 +19,10 @@ inline std::wstring WaitForRun(const std::wstring& strPath, DWORD dwMilliseconds
     const DWORD dwStart = GetTickCount();
     do
     {
-        if (PathExists(strPath + L".ran"))
+        // The file is there a moment before its bytes are.
+        const std::string strBytes = ReadFileBytes(strPath + L".ran");
+        if (!strBytes.empty())
         {
-            const std::string strBytes = ReadFileBytes(strPath + L".ran");
             return std::wstring(reinterpret_cast<const wchar_t*>(strBytes.data()), strBytes.size() / sizeof(wchar_t));
         }
         Sleep(10);

@@ -114,7 +114,10 @@ public:
         {
             if (kCrowd[i] == Part::Reads || kCrowd[i] == Part::Appends)
             {
-                m_counts.iFailed += m_processes[i]->Wait(60000) != 0 ? 1 : 0;
+                const bool bGood = m_processes[i]->Wait(60000) == 0;
+                m_counts.iFailed += bGood ? 0 : 1;
+                m_counts.iReads += bGood && kCrowd[i] == Part::Reads ? kReadsEach : 0;
+                m_counts.iAppends += bGood && kCrowd[i] == Part::Appends ? kAppendsEach : 0;
             }
         }
         for (auto& pProcess : m_processes)
