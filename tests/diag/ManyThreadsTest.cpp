@@ -1,11 +1,10 @@
 // Logging on many threads at once.
 
 #include "diag/LogSite.h"
+#include "tests/common/HeapUse.h"
 #include "tests/diag/LoggingOn.h"
 
 #include <catch2/catch.hpp>
-
-#include <malloc.h>
 
 #include <map>
 #include <vector>
@@ -60,21 +59,6 @@ DWORD WINAPI LogOnce(void*)
     TRACE_FUNCTION("Once");
     LogInfo("once");
     return 0;
-}
-
-/// Bytes in use of the heap that the library and the tests allocate from.
-size_t HeapInUse()
-{
-    const auto hHeap = reinterpret_cast<HANDLE>(_get_heap_handle());
-    size_t cbUsed = 0;
-    PROCESS_HEAP_ENTRY entry = {};
-    HeapLock(hHeap);
-    while (HeapWalk(hHeap, &entry))
-    {
-        cbUsed += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? entry.cbData : 0;
-    }
-    HeapUnlock(hHeap);
-    return cbUsed;
 }
 
 } // namespace

@@ -2,29 +2,13 @@
 
 #include "tests/common/BuiltModule.h"
 #include "tests/common/ClientFixture.h"
+#include "tests/common/HeapUse.h"
 #include "tests/driver/SheetCalls.h"
 
 #include <catch2/catch.hpp>
 
-#include <malloc.h>
-
 namespace
 {
-
-/// Bytes in use of the heap that the module allocates from.
-size_t HeapInUse()
-{
-    const auto hHeap = reinterpret_cast<HANDLE>(_get_heap_handle());
-    size_t cbUsed = 0;
-    PROCESS_HEAP_ENTRY entry = {};
-    HeapLock(hHeap);
-    while (HeapWalk(hHeap, &entry))
-    {
-        cbUsed += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? entry.cbData : 0;
-    }
-    HeapUnlock(hHeap);
-    return cbUsed;
-}
 
 struct ManyCallsFixture : ClientFixture
 {

@@ -1,33 +1,18 @@
 // What a sheet leaves behind in the process that showed it.
 
 #include "tests/common/Handles.h"
+#include "tests/common/HeapUse.h"
 #include "tests/ui/OpenSheet.h"
 #include "tests/ui/SheetDataFixture.h"
 #include "tools/velhost/SheetLibrary.h"
 
 #include <catch2/catch.hpp>
 
-#include <malloc.h>
-
 #include <algorithm>
 #include <vector>
 
 namespace
 {
-
-/// Bytes of a heap that are in use.
-size_t InUse(HANDLE hHeap)
-{
-    size_t cbUsed = 0;
-    PROCESS_HEAP_ENTRY entry = {};
-    HeapLock(hHeap);
-    while (HeapWalk(hHeap, &entry))
-    {
-        cbUsed += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? entry.cbData : 0;
-    }
-    HeapUnlock(hHeap);
-    return cbUsed;
-}
 
 constexpr size_t kProbes = 400;
 
@@ -59,8 +44,8 @@ struct Holdings
             [] { return CreateWindowW(L"STATIC", L"", 0, 0, 0, 1, 1, HWND_MESSAGE, nullptr, nullptr, nullptr); },
             DestroyWindow);
         uiGdi = CountObjects([] { return CreatePen(PS_SOLID, 3, RGB(1, 2, 3)); }, DeleteObject);
-        cbPlatformHeap = InUse(GetProcessHeap());
-        cbModuleHeap = InUse(reinterpret_cast<HANDLE>(_get_heap_handle()));
+        cbPlatformHeap = HeapInUse(GetProcessHeap());
+        cbModuleHeap = HeapInUse();
     }
     size_t uiHandle;
     size_t uiUser;
