@@ -25,7 +25,6 @@ void WriteNoWaterPrint(DEVMODEW* pdmOut)
     {
         // No dialog is shown: the words are the line's only.
         LOG_WARNING_WORDS("GetDefSetting failed. Popup confirm dialog.");
-        dwNoWaterPrint = 0;
     }
     reinterpret_cast<stuDrvDevmode*>(pdmOut)->dwNoWaterPrint = dwNoWaterPrint;
 }

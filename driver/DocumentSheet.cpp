@@ -84,10 +84,7 @@ void MakeOutRecord(stuPassData* pstuPassData)
 void ReadNoWaterPrint(stuPassData* pstuPassData)
 {
     DWORD dwNoWaterPrint = 0;
-    if (VelUtility::GetDefSetting(&dwNoWaterPrint) != VelUtility::PSERR_OK)
-    {
-        dwNoWaterPrint = 0;
-    }
+    VelUtility::GetDefSetting(&dwNoWaterPrint); // a failure leaves the 0
     pstuPassData->pdmOut->dwNoWaterPrint = dwNoWaterPrint;
 }
 
@@ -124,11 +121,7 @@ bool DescribePages(OpeningPages& pages, stuPassData* pstuPassData)
 /// Builds the list of papers. @return whether there was memory for it.
 bool MakePaperList(stuPassData* pstuPassData)
 {
-    DWORD dwPapers = GetPaperInfoList(nullptr);
-    if (dwPapers == VelUtility::kNoAnswer)
-    {
-        dwPapers = 0;
-    }
+    const DWORD dwPapers = GetPaperInfoList(nullptr); // 0 without a snapshot
     const size_t uiEntries = size_t{dwPapers} + 1;
     // Required: nobody ever frees the list of a sheet.
     pstuPassData->pstuPaperInfo = dwPapers <= kMostPapers ? AllocateZeroed<stuPaperInfo>(uiEntries) : nullptr;

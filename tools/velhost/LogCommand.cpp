@@ -39,9 +39,11 @@ std::wstring ClientFolderOf(DWORD iFolderId, const char* pszValue)
 struct ConfigFiles
 {
     ConfigFiles()
-        : strOn(JoinPath(ClientFolderOf(VelUtility::kClientInstallDir, "InstallDir"), kLogConfigName)),
-          strOff(JoinPath(ClientFolderOf(VelUtility::kClientInstallDir, "InstallDir"), kLogConfigOffName))
-    {}
+    {
+        const std::wstring strFolder = ClientFolderOf(VelUtility::kClientInstallDir, "InstallDir");
+        strOn = JoinPath(strFolder, kLogConfigName);
+        strOff = JoinPath(strFolder, kLogConfigOffName);
+    }
     std::wstring strOn;
     std::wstring strOff;
 };

@@ -74,6 +74,15 @@ std::optional<std::vector<BYTE>> InputFile(const SheetOptions& options)
     return record;
 }
 
+/// A record of a size to be filled, with that size in its header: the module goes by what the header says.
+std::vector<BYTE> RecordToFill(LONG lSize)
+{
+    std::vector<BYTE> record(static_cast<size_t>(lSize));
+    AsDevmode(record)->dmSize = kDevmodeSize;
+    AsDevmode(record)->dmDriverExtra = static_cast<WORD>(lSize - kDevmodeSize);
+    return record;
+}
+
 /// Asks for the size and then the record, as an application does before it shows the sheet.
 std::vector<BYTE> AskRecord(SheetLibrary::SheetFunction* pfnSheet, std::wstring& strPrinter)
 {
@@ -85,10 +94,7 @@ std::vector<BYTE> AskRecord(SheetLibrary::SheetFunction* pfnSheet, std::wstring&
     {
         throw CommandError("the module tells no record size: " + std::to_string(lSize));
     }
-    std::vector<BYTE> record(static_cast<size_t>(lSize));
-    // What the record may take: the module goes by the sizes in its header.
-    AsDevmode(record)->dmSize = kDevmodeSize;
-    AsDevmode(record)->dmDriverExtra = static_cast<WORD>(lSize - kDevmodeSize);
+    std::vector<BYTE> record = RecordToFill(lSize);
     header.pdmOut = AsDevmode(record);
     header.fMode = DM_OUT_BUFFER;
     if (const LONG lReturn = pfnSheet(nullptr, reinterpret_cast<LPARAM>(&header)); lReturn < 0)
@@ -159,11 +165,9 @@ SheetReport SpoolDocument(const SheetOptions& options)
     }
     SheetReport report;
     std::optional<std::vector<BYTE>> input = InputFile(options);
-    report.before = input ? *input : std::vector<BYTE>(static_cast<size_t>(lSize));
+    report.before = input ? *input : RecordToFill(lSize);
     if (!input)
     {
-        AsDevmode(report.before)->dmSize = kDevmodeSize;
-        AsDevmode(report.before)->dmDriverExtra = static_cast<WORD>(lSize - kDevmodeSize);
         DocumentPropertiesW(nullptr, printer.Get(), strPrinter.data(), AsDevmode(report.before), nullptr,
                             DM_OUT_BUFFER);
     }
