@@ -6,6 +6,19 @@
 
 #include <winspool.h>
 
+TestPrinter::SpoolerTurn::SpoolerTurn() : m_hMutex(CreateMutexW(nullptr, FALSE, L"VelTestSpooler"))
+{
+    REQUIRE(m_hMutex != nullptr);
+    // A test that was ended in its turn leaves the mutex abandoned, which is a turn too.
+    WaitForSingleObject(m_hMutex, INFINITE);
+}
+
+TestPrinter::SpoolerTurn::~SpoolerTurn()
+{
+    ReleaseMutex(m_hMutex);
+    CloseHandle(m_hMutex);
+}
+
 TestPrinter::TestPrinter(ClientFixture& client)
 {
     // What the spooler keeps its lists in.
