@@ -11,10 +11,16 @@ namespace Language
 class scope_guard
 {
 public:
+    /// Without memory for the call it runs at once, and std::bad_alloc is thrown.
     /// @param call what boost::bind gives; its result is dropped.
     template <typename Call>
-    explicit scope_guard(Call call) : m_pCaller(new caller<Call>(call))
+    explicit scope_guard(Call call)
+    try : m_pCaller(new caller<Call>(call))
     {}
+    catch (...)
+    {
+        call();
+    }
     ~scope_guard() { (*m_pCaller)(); }
     scope_guard(const scope_guard&) = delete;
     scope_guard& operator=(const scope_guard&) = delete;

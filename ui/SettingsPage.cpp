@@ -22,50 +22,61 @@ int InitPage(HWND hDlg, const stuPassData* stuPassData)
     return SubInitOther(stuPassData, hDlg);
 }
 
-constexpr WPARAM Command(WORD wControl, WORD wNotification)
+void OnPaper(HWND hDlg, const stuPassData* stuPassData, int& /*iReturn*/)
 {
-    return MAKEWPARAM(wControl, wNotification);
+    Sub_On_Combo(hDlg, stuPassData);
 }
 
-/// Calls the handler of a control's notification.
-/// @param iReturn [in, out] the message's result; set by some handlers.
-/// @return whether the notification is one that changes the page.
-bool HandleCommand(HWND hDlg, WPARAM wParam, int& iReturn)
+void OnSize(HWND hDlg, const stuPassData* stuPassData, int& /*iReturn*/)
 {
-    stuPassData* const pstuPassData = BoundSheetData(hDlg);
-    switch (wParam & 0xFFFFFFFF)
-    {
-    case Command(IDC_PAPER, CBN_SELCHANGE):
-        Sub_On_Combo(hDlg, pstuPassData);
-        return true;
-    case Command(IDC_FIRST_SIZE, EN_CHANGE):
-    case Command(IDC_SECOND_SIZE, EN_CHANGE):
-        Sub_On_Edit(hDlg, HIWORD(wParam), pstuPassData);
-        return true;
-    case Command(IDC_PORTRAIT, BN_CLICKED):
-    case Command(IDC_LANDSCAPE, BN_CLICKED):
-        iReturn = On_Radio_Stand(hDlg, pstuPassData);
-        return true;
-    case Command(IDC_DUPLEX, BN_CLICKED):
-        iReturn = On_Check_Duplex(hDlg, pstuPassData->pdmIn->stuDevmode.dmDuplex);
-        return true;
-    case Command(IDC_MONOCHROME, BN_CLICKED):
-    case Command(IDC_COLOUR, BN_CLICKED):
-    case Command(IDC_SHORT_EDGE, BN_CLICKED):
-    case Command(IDC_LONG_EDGE, BN_CLICKED):
-        return true;
-    default:
-        return false;
-    }
+    Sub_On_Edit(hDlg, EN_CHANGE, stuPassData);
 }
+
+void OnOrientation(HWND hDlg, const stuPassData* stuPassData, int& iReturn)
+{
+    iReturn = On_Radio_Stand(hDlg, stuPassData);
+}
+
+void OnDuplex(HWND hDlg, const stuPassData* stuPassData, int& iReturn)
+{
+    iReturn = On_Check_Duplex(hDlg, stuPassData->pdmIn->stuDevmode.dmDuplex);
+}
+
+/// A control's notification that changes the page, and what is done about it.
+struct CommandRow
+{
+    WORD wControl;
+    WORD wNotification;
+    /// Null for a control that needs no more. The last argument, the message's result, is set by some.
+    void (*pfnHandle)(HWND hDlg, const stuPassData* stuPassData, int& iReturn);
+};
+
+constexpr CommandRow kCommands[] = {
+    {IDC_PAPER, CBN_SELCHANGE, &OnPaper},        {IDC_FIRST_SIZE, EN_CHANGE, &OnSize},
+    {IDC_SECOND_SIZE, EN_CHANGE, &OnSize},       {IDC_PORTRAIT, BN_CLICKED, &OnOrientation},
+    {IDC_LANDSCAPE, BN_CLICKED, &OnOrientation}, {IDC_DUPLEX, BN_CLICKED, &OnDuplex},
+    {IDC_MONOCHROME, BN_CLICKED, nullptr},       {IDC_COLOUR, BN_CLICKED, nullptr},
+    {IDC_SHORT_EDGE, BN_CLICKED, nullptr},       {IDC_LONG_EDGE, BN_CLICKED, nullptr},
+};
 
 void OnCommand(HWND hDlg, WPARAM wParam, int& iReturn)
 {
-    if (HandleCommand(hDlg, wParam, iReturn))
+    for (const CommandRow& row : kCommands)
     {
+        if (row.wControl != LOWORD(wParam) || row.wNotification != HIWORD(wParam))
+        {
+            continue;
+        }
+        // A page whose data could not be bound to it has nothing to work with.
+        const stuPassData* const pstuPassData = BoundSheetData(hDlg);
+        if (row.pfnHandle != nullptr && pstuPassData != nullptr)
+        {
+            row.pfnHandle(hDlg, pstuPassData, iReturn);
+        }
         // Required: also when the handler did nothing because the program itself wrote the text, so that the sheet can
         // be applied as soon as the page is up.
         TellChanged(hDlg);
+        return;
     }
 }
 

@@ -53,30 +53,34 @@ struct FaultyFunction
     void (*pfnPrepare)(); ///< sets what a failed call answers
 };
 
-/// Describes a function. The platform has one calling convention on the target.
+// What the compiler knows of some functions beyond their types is of no use here.
+#pragma GCC diagnostic ignored "-Wignored-attributes"
+
+/// Describes a function, what a call that fails answers, and the last error that it leaves. The platform has one
+/// calling convention on the target.
 #define FAULTY(function, failed, error)                                                                                \
     FaultyFunction                                                                                                     \
     {                                                                                                                  \
-#function, reinterpret_cast<void (*)()>(&Faulty<decltype(function)>::Call), [] {                               \
-            Faulty<decltype(function)>::s_failed = failed;                                                             \
-            Faulty<decltype(function)>::s_dwError = error;                                                             \
-        }       \
+#function, reinterpret_cast<void (*)()>(&Faulty<decltype(function)>::Call), [] { \
+            Faulty<decltype(function)>::s_failed = failed; \
+            Faulty<decltype(function)>::s_dwError = error; \
+        }                                     \
     }
 
 /// Makes one function fail by a plan for the length of a scope.
 class FaultScope
 {
 public:
-    FaultScope(const FaultyFunction& function, int iFailing, bool bOnwards)
-        : m_hook(nullptr, function.pszName, function.pfnReplacement)
+    /// @param hModule whose calls fail; null for the test program's, which holds the module's code too.
+    FaultScope(HMODULE hModule, const FaultyFunction& function, int iFailing, bool bOnwards)
+        : m_hook(hModule, function.pszName, function.pfnReplacement)
     {
         function.pfnPrepare();
         s_faultPlan = {iFailing, bOnwards, 0, m_hook.Original()};
     }
-    ~FaultScope() { s_faultPlan.iFailing = 0; }
 
-    /// Calls of the function so far.
-    static int Calls() { return s_faultPlan.iCalls; }
+    /// Whether a call has failed in this scope, or in the last one when none stands.
+    static bool Reached() { return s_faultPlan.iCalls >= s_faultPlan.iFailing; }
 
 private:
     ImportHook m_hook;

@@ -6,102 +6,34 @@
 #include "settings/PaperCatalogue.h"
 #include "state/ClientConfig.h"
 #include "state/ComputerCaps.h"
-#include "state/FileLocker.h"
 #include "state/PrinterConfig.h"
 #include "state/UserRecords.h"
-#include "tests/common/Handles.h"
 #include "tests/driver/SheetCalls.h"
-#include "tests/faults/FaultPoint.h"
-
-#include <catch2/catch.hpp>
-
-#include <cstdio>
-#include <map>
+#include "tests/faults/FaultFixture.h"
 
 using namespace VelUtility;
 
 namespace
 {
 
-const FaultyFunction kFunctions[] = {
+const FaultyFunctions kFunctions = {
     FAULTY(RegOpenKeyExW, ERROR_ACCESS_DENIED, ERROR_ACCESS_DENIED),
     FAULTY(RegQueryValueExW, ERROR_FILE_NOT_FOUND, ERROR_FILE_NOT_FOUND),
+    FAULTY(GetComputerNameW, FALSE, ERROR_ACCESS_DENIED),
     FAULTY(GetPrivateProfileStringW, 0, ERROR_FILE_NOT_FOUND),
     FAULTY(WritePrivateProfileStringW, FALSE, ERROR_DISK_FULL),
     FAULTY(CreateMutexW, nullptr, ERROR_ACCESS_DENIED),
     FAULTY(WaitForSingleObject, WAIT_FAILED, ERROR_INVALID_HANDLE),
     FAULTY(_wfopen, nullptr, ERROR_TOO_MANY_OPEN_FILES),
+    FAULTY(fread, 0, ERROR_READ_FAULT),
+    FAULTY(fwrite, 0, ERROR_DISK_FULL),
+    FAULTY(fflush, EOF, ERROR_DISK_FULL),
     FAULTY(DeleteFileW, FALSE, ERROR_SHARING_VIOLATION),
     FAULTY(LoadStringW, 0, ERROR_RESOURCE_NAME_NOT_FOUND),
     FAULTY(GetUserNameW, FALSE, ERROR_NO_SUCH_LOGON_SESSION),
-};
-
-/// Where a long run of calls is left: behind so many, one call is like the others.
-constexpr int kMostCalls = 200;
-
-struct FaultFixture : ClientFixture
-{
-    FaultFixture() { Restore(); }
-    /// The store's files as each run finds them.
-    void Restore() const
-    {
-        WriteCaps(PaperKeys(kPapers, kAbleKeys));
-        const DEVMODEW stored = PlainRecord().stuDevmode;
-        WriteFileBytes(folder.File(L"QPS@VEL_DevMode.dat"),
-                       std::string(reinterpret_cast<const char*>(&stored), sizeof(stored)));
-        WriteFileBytes(folder.File(L"QPS@VEL_passport.dat"), "pass");
-    }
-    /// Whether the lock of a file is to be had.
-    static bool IsFree(const std::wstring& strFile)
-    {
-        CFileLocker locker(strFile.c_str());
-        const bool bFree = locker.Lock(0) == 1;
-        locker.Unlock();
-        return bFree;
-    }
-
-    /// Runs work with each function failing at each of its calls.
-    /// @param work does the work, and tells whether its result is a documented one.
-    template <typename Work>
-    void Inject(const char* pszWork, Work work)
-    {
-        REQUIRE(work()); // without a failure
-        std::string strPoints;
-        for (const FaultyFunction& function : kFunctions)
-        {
-            int iPoints = 0;
-            for (const bool bOnwards : {false, true})
-            {
-                bool bReached = true;
-                for (int iFailing = 1; bReached && iFailing <= kMostCalls; ++iFailing)
-                {
-                    CAPTURE(pszWork, function.pszName, iFailing, bOnwards);
-                    Restore();
-                    const size_t uiHandle = NextHandle();
-                    bool bDocumented = false;
-                    {
-                        const FaultScope scope(function, iFailing, bOnwards);
-                        bDocumented = work();
-                        bReached = FaultScope::Calls() >= iFailing;
-                    }
-                    CHECK(bDocumented);
-                    CHECK(NextHandle() == uiHandle);
-                    CHECK(IsFree(ConfigFile()));
-                    CHECK(IsFree(folder.File(L"QPS@VEL_DevMode.dat")));
-                    iPoints += bReached ? 1 : 0;
-                }
-            }
-            if (iPoints != 0)
-            {
-                strPoints += std::string(" ") + function.pszName + " " + std::to_string(iPoints);
-            }
-        }
-        std::printf("faults: %s:%s\n", pszWork, strPoints.c_str());
-        CHECK(work()); // and all is well again
-    }
-
-    const BuiltModule module;
-    const TextsFrom texts{module.handle};
+    FAULTY(_wfullpath, nullptr, ERROR_INVALID_NAME),
+    FAULTY(malloc, nullptr, ERROR_NOT_ENOUGH_MEMORY),
+    FAULTY(calloc, nullptr, ERROR_NOT_ENOUGH_MEMORY),
 };
 
 bool IsStatus(DWORD dwStatus)
@@ -109,9 +41,36 @@ bool IsStatus(DWORD dwStatus)
     return dwStatus == PSERR_OK || dwStatus == PSERR_FAILED;
 }
 
+struct StoreFaults : FaultFixture
+{
+    template <typename Work>
+    void Inject(const char* pszWork, Work work)
+    {
+        FaultFixture::Inject(pszWork, kFunctions, work);
+    }
+    /// For a writer: work gives the status, and check tells, without a failure then, whether the file is as it must be.
+    template <typename Work, typename Check>
+    void InjectWriter(const char* pszWork, Work work, Check check)
+    {
+        DWORD dwStatus = PSERR_FAILED;
+        FaultFixture::Inject(
+            pszWork, kFunctions,
+            [&] {
+                dwStatus = PSERR_FAILED; // what an exception counts as
+                dwStatus = work();
+                return IsStatus(dwStatus);
+            },
+            [&] { return check(dwStatus == PSERR_OK); });
+    }
+    std::string Bytes(const wchar_t* pszFile) const { return ReadFileBytes(folder.File(pszFile)); }
+
+    const BuiltModule module;
+    const TextsFrom texts{module.handle};
+};
+
 } // namespace
 
-TEST_CASE_METHOD(FaultFixture, "capability queries survive each failure", "[faults]")
+TEST_CASE_METHOD(StoreFaults, "capability queries survive each failure", "[faults]")
 {
     Inject("GetComputerCaps, number", [] {
         const DWORD dwReturn = GetComputerCaps(DC_DUPLEX, nullptr);
@@ -134,7 +93,7 @@ TEST_CASE_METHOD(FaultFixture, "capability queries survive each failure", "[faul
     });
 }
 
-TEST_CASE_METHOD(FaultFixture, "records survive each failure", "[faults]")
+TEST_CASE_METHOD(StoreFaults, "records survive each failure", "[faults]")
 {
     Inject("SubSetDevMode", [] {
         stuDrvDevmode record = {};
@@ -153,34 +112,73 @@ TEST_CASE_METHOD(FaultFixture, "records survive each failure", "[faults]")
         header.fMode = DM_OUT_BUFFER;
         return DrvDocumentPropertySheets(nullptr, reinterpret_cast<LPARAM>(&header)) == 1;
     });
-    Inject("GetPaperInfoList", [] {
+    Inject("GetPaperInfoList", [this] {
         stuPaperInfo papers[5] = {};
         const DWORD dwReturn = GetPaperInfoList(papers, 4);
-        return dwReturn <= 4 && papers[dwReturn].wPaper == DMPAPER_USER;
+        return dwReturn == kNoAnswer ? Failed("calloc") : dwReturn <= 4 && papers[dwReturn].wPaper == DMPAPER_USER;
     });
 }
 
-TEST_CASE_METHOD(FaultFixture, "a sheet's opening and end survive each failure", "[faults]")
+TEST_CASE_METHOD(StoreFaults, "a sheet's opening and end survive each failure", "[faults]")
 {
-    Inject("DrvDocumentPropertySheets, sheet", [] {
+    // What its own blocks do without memory, two of them by a fault, has tests of its own.
+    FaultyFunctions functions = kFunctions;
+    functions.pop_back();
+    functions.push_back(FAULTY(CreatePropertySheetPageW, nullptr, ERROR_NOT_ENOUGH_MEMORY));
+    FaultFixture::Inject("DrvDocumentPropertySheets, sheet", functions, [this] {
         DocumentCalls calls(&DrvDocumentPropertySheets);
         stuDrvDevmode in = PlainRecord();
         calls.header.pdmIn = &in.stuDevmode;
-        return calls.Call(PROPSHEETUI_REASON_INIT) == 1 && calls.taker.pages.size() == 3 &&
-               calls.Call(PROPSHEETUI_REASON_DESTROY) == 1;
+        if (calls.Call(PROPSHEETUI_REASON_INIT) != 1)
+        {
+            return Failed("CreatePropertySheetPageW");
+        }
+        return calls.taker.pages.size() == 3 && calls.Call(PROPSHEETUI_REASON_DESTROY) == 1;
+    });
+    FaultFixture::Inject("DrvDevicePropertySheets, sheet", functions, [this] {
+        DeviceCalls calls(&DrvDevicePropertySheets);
+        const LONG lReturn = calls.Call(PROPSHEETUI_REASON_INIT);
+        return lReturn == 1 ? calls.taker.pages.size() == 1
+                            : lReturn == -1 && (Failed("malloc") || Failed("CreatePropertySheetPageW"));
     });
 }
 
-TEST_CASE_METHOD(FaultFixture, "the store's writers survive each failure", "[faults]")
+TEST_CASE_METHOD(StoreFaults, "the store's writers survive each failure", "[faults]")
 {
-    Inject("SetDevDef", [] {
-        const DEVMODEW record = PlainRecord().stuDevmode;
-        return IsStatus(SetDevDef(&record));
-    });
-    Inject("MakeDefSetting", [] {
-        const DWORD dwValue = 1;
-        return IsStatus(MakeDefSetting(&dwValue));
-    });
+    const std::string strOldRecord = BytesOf(PlainRecord().stuDevmode);
+    DEVMODEW record = PlainRecord().stuDevmode;
+    record.dmPaperSize = 8;
+    InjectWriter(
+        "SetDevDef", [&] { return SetDevDef(&record); },
+        [&](bool bWritten) {
+            // A full disk returns 0.
+            const std::string strWritten = Failed("fwrite") ? std::string() : BytesOf(record);
+            return ReadFileBytes(DevModeFile()) == (bWritten ? strWritten : strOldRecord);
+        });
+    InjectWriter(
+        "MakeDefSetting",
+        [] {
+            const DWORD dwValue = 1;
+            return MakeDefSetting(&dwValue);
+        },
+        [this](bool bWritten) {
+            // A failed write returns 0 and leaves the old value.
+            const bool bNew = bWritten && !Failed("WritePrivateProfileStringW");
+            return Bytes(L"QPS@VEL_defsetting.ini") == (bNew ? "[PrintSetting]\r\nDefaultNoWaterPrint=1\r\n"
+                                                             : "[PrintSetting]\r\nDefaultNoWaterPrint=0\r\n");
+        });
+    InjectWriter(
+        "MakeAutoLogonInfo", [] { return MakeAutoLogonInfo(reinterpret_cast<const BYTE*>("abc"), 3); },
+        [this](bool bWritten) {
+            const std::string strLeft = Failed("fwrite") ? "" : "pass";
+            return Bytes(L"QPS@VEL_passport.dat") == (bWritten ? "abc" : strLeft);
+        });
+    InjectWriter(
+        "AppendUserMessageFile", [] { return AppendUserMessageFile(L"lin", reinterpret_cast<const BYTE*>("abc"), 3); },
+        [this](bool bWritten) {
+            // A failed flush leaves the stream's bytes to its close.
+            return Bytes(L"lin_Message.dat") == (bWritten || Failed("fflush") ? "oldabc" : "old");
+        });
     Inject("MakeServerConfig", [] {
         const ServerConfigInfo info = {1, 0, 1, 0};
         return IsStatus(MakeServerConfig(&info));
@@ -195,16 +193,12 @@ TEST_CASE_METHOD(FaultFixture, "the store's writers survive each failure", "[fau
         PrinterCaps caps = {};
         caps.Papers = papers;
         caps.PapersCount = 2;
-        MakePrinterConfig(&info, &caps);
-        return true;
+        return IsStatus(MakePrinterConfig(&info, &caps));
     });
-    Inject("MakeAutoLogonInfo", [] { return IsStatus(MakeAutoLogonInfo(reinterpret_cast<const BYTE*>("abc"), 3)); });
-    Inject("AppendUserMessageFile",
-           [] { return IsStatus(AppendUserMessageFile(L"lin", reinterpret_cast<const BYTE*>("abc"), 3)); });
     Inject("MakeUserMessageID", [] { return IsStatus(MakeUserMessageID(L"lin", 7)); });
 }
 
-TEST_CASE_METHOD(FaultFixture, "the store's readers and deleters survive each failure", "[faults]")
+TEST_CASE_METHOD(StoreFaults, "the store's readers and deleters survive each failure", "[faults]")
 {
     Inject("GetDevDef", [] {
         DEVMODEW record = {};
