@@ -1,6 +1,6 @@
 # The project's commands. Each installs what is missing (Debian 12, as root) and can be run again in seconds.
 .DEFAULT_GOAL := help
-.PHONY: help setup configure build run test fuzz stress bench check clean
+.PHONY: help setup configure build run test coverage fuzz stress bench check clean
 
 BUILD := build/release
 JOBS := $(shell nproc)
@@ -30,6 +30,10 @@ test: configure ## build everything twice, plain and with traps for undefined be
 	@if [ ! -f build/checked/build.ninja ]; then cmake --preset checked > build/checked.log || { cat build/checked.log; exit 1; }; fi
 	@cmake --build --preset checked -j $(JOBS)
 	@VELUI_BUILD=checked tools/test.sh
+
+coverage: configure ## which lines and branches of the module the tests run; at least 98 % and 90 %
+	@tools/setup.sh coverage
+	@tools/coverage.sh
 
 fuzz: configure ## the fuzz tests at length (hours); a failing case is kept in build/release/fuzz.replay
 	@cmake --build --preset release -j $(JOBS) --target veltests

@@ -31,10 +31,6 @@ const char* OrEmpty(const char* pszText) noexcept
 
 void PushTraceFrame(const char* pszModuleTag, const char* pszClassName, const char* pszFunctionName) noexcept
 {
-    if (loggingDisabled)
-    {
-        return;
-    }
     Quietly([=] {
         log4cpp::NDC::push(std::string(OrEmpty(pszModuleTag)) + '.' + OrEmpty(pszClassName) + '.' +
                            OrEmpty(pszFunctionName) + '$');
@@ -48,10 +44,6 @@ void PushTraceFrame(const char* pszModuleTag, const char* pszClassName, const ch
 
 void PopTraceFrame() noexcept
 {
-    if (loggingDisabled)
-    {
-        return;
-    }
     Quietly([] {
         LogTarget target;
         // Required: the category is used without a test for null. A configuration that loads must name the module's

@@ -128,10 +128,6 @@ void WithTarget(Write write) noexcept
 
 int IsPriorityEnabled(int iPriority) noexcept
 {
-    if (loggingDisabled)
-    {
-        return 0;
-    }
     int iEnabled = 0;
     Quietly([&] {
         // Required: the category is used without a test for null; a configuration that loads must name the module's.

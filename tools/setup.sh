@@ -17,6 +17,7 @@ packages=(
     locales libc-bin util-linux
 )
 [ "${1:-}" = check ] && packages+=(clang-format-14 cppcheck)
+[ "${1:-}" = coverage ] && packages+=(gcovr)
 
 missing=()
 for package in "${packages[@]}"; do

@@ -8,9 +8,12 @@
 #include <catch2/catch.hpp>
 
 #include <clocale>
+#include <objbase.h>
 #include <string>
 
-/// The state of the process and the thread that no entry point may change.
+/// The state of the process and the thread that no entry point may change. What one does change, because it has to, is
+/// not here: the last error that DrvConvertDevMode and DrvDevicePropertySheets set, the handle of a tool that
+/// DrvPrinterEvent starts, and the right to debug, which the search for the resident client leaves enabled.
 struct CallerState
 {
     CallerState()
@@ -18,7 +21,8 @@ struct CallerState
           iThreadPriority(GetThreadPriority(GetCurrentThread())),
           dwProcessPriority(GetPriorityClass(GetCurrentProcess())), dwThreadLocale(GetThreadLocale()),
           strLocale(std::setlocale(LC_ALL, nullptr)), wX87(X87Control()), uiSse(__builtin_ia32_stmxcsr() & ~kSseFlags),
-          bImpersonates(Impersonates()), uiHandle(NextHandle())
+          bImpersonates(Impersonates()), dwTlsIndex(NextTlsIndex()), dwFlsIndex(NextFlsIndex()),
+          lApartment(Apartment()), uiHandle(NextHandle())
     {}
 
     std::wstring strFolder;
@@ -30,7 +34,10 @@ struct CallerState
     WORD wX87;             ///< the x87 control word
     unsigned uiSse;        ///< SSE's control bits, without the flags of what was computed
     bool bImpersonates;
-    size_t uiHandle; ///< the number that a new handle gets
+    DWORD dwTlsIndex; ///< the one that a new thread-local place gets
+    DWORD dwFlsIndex; ///< the same for a fiber-local one
+    LONG lApartment;  ///< the thread's COM state
+    size_t uiHandle;  ///< the number that a new handle gets; a mutex that stays open has one too
 
 private:
     static constexpr unsigned kSseFlags = 0x3F;
@@ -46,6 +53,25 @@ private:
         WORD wControl = 0;
         __asm__ volatile("fnstcw %0" : "=m"(wControl));
         return wControl;
+    }
+    static DWORD NextTlsIndex()
+    {
+        const DWORD dwIndex = TlsAlloc();
+        TlsFree(dwIndex);
+        return dwIndex;
+    }
+    static DWORD NextFlsIndex()
+    {
+        const DWORD dwIndex = FlsAlloc(nullptr);
+        FlsFree(dwIndex);
+        return dwIndex;
+    }
+    /// The apartment's type, or -1 without COM.
+    static LONG Apartment()
+    {
+        APTTYPE type = APTTYPE_CURRENT;
+        APTTYPEQUALIFIER qualifier = APTTYPEQUALIFIER_NONE;
+        return CoGetApartmentType(&type, &qualifier) == S_OK ? static_cast<LONG>(type) : -1;
     }
     static bool Impersonates()
     {
@@ -71,6 +97,9 @@ inline void CheckUnchanged(const CallerState& before, const CallerState& after, 
     CHECK(after.wX87 == before.wX87);
     CHECK(after.uiSse == before.uiSse);
     CHECK(after.bImpersonates == before.bImpersonates);
+    CHECK(after.dwTlsIndex == before.dwTlsIndex);
+    CHECK(after.dwFlsIndex == before.dwFlsIndex);
+    CHECK(after.lApartment == before.lApartment);
     CHECK((!bHandles || after.uiHandle == before.uiHandle));
 }
 

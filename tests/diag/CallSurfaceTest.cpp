@@ -1,5 +1,6 @@
 // The log calls while logging is off, which is how the module runs without a usable configuration.
 
+#include "diag/LogFilter.h"
 #include "diag/LogSite.h"
 #include "tests/common/TempFolder.h"
 
@@ -72,6 +73,11 @@ TEST_CASE("every log call returns at once while logging is off and keeps the err
     LogParam("%s", "p");
     LogBufferDump("title", "bytes", 5, LogDebug);
     state.Check();
+}
+
+TEST_CASE("no message is allowed while logging is off", "[diag][off]")
+{
+    CHECK_FALSE(IsLogAllowed("VelUI_dll..DrvPrinterEvent"));
 }
 
 TEST_CASE("a trace begins with three null strings and ends without a frame, and keeps the error state", "[diag][off]")

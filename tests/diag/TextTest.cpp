@@ -142,4 +142,8 @@ TEST_CASE("a snapshot of an argument no longer depends on it", "[diag][text]")
     CHECK(snapshot->ValueText(strText) == "5");
     CHECK(snapshot->Name() == "iValue");
     CHECK(param.ValueText(strText) == "6");
+    Param second;
+    snapshot->Clone(second);
+    CHECK(second->ValueText(strText) == "5");
+    CHECK(second->Name() == "iValue");
 }

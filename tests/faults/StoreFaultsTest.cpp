@@ -6,6 +6,7 @@
 #include "settings/PaperCatalogue.h"
 #include "state/ClientConfig.h"
 #include "state/ComputerCaps.h"
+#include "state/CurrentUser.h"
 #include "state/PrinterConfig.h"
 #include "state/UserRecords.h"
 #include "tests/driver/SheetCalls.h"
@@ -195,6 +196,13 @@ TEST_CASE_METHOD(StoreFaults, "the store's writers survive each failure", "[faul
         caps.PapersCount = 2;
         return IsStatus(MakePrinterConfig(&info, &caps));
     });
+    Inject("WriteClientSetting", [] {
+        const ClientSetting setting = {};
+        return IsStatus(WriteClientSetting(&setting));
+    });
+    Inject("MakeServerPlaceFileNew", [] { return IsStatus(MakeServerPlaceFileNew(L"server")); });
+    Inject("MakeLogonUserName", [] { return IsStatus(MakeLogonUserName(L"lin")); });
+    Inject("MakeUserMessageDays", [] { return IsStatus(MakeUserMessageDays(L"lin", 7)); });
     Inject("MakeUserMessageID", [] { return IsStatus(MakeUserMessageID(L"lin", 7)); });
 }
 
@@ -220,6 +228,27 @@ TEST_CASE_METHOD(StoreFaults, "the store's readers and deleters survive each fai
         ServerPlace place = {};
         return GetServerPlaceFile(&place) == PSERR_OK;
     });
+    Inject("GetServerPlaceFileNew", [] {
+        std::wstring strServer;
+        return IsStatus(GetServerPlaceFileNew(&strServer));
+    });
+    Inject("ReadClientSetting", [] {
+        ClientSetting setting = {};
+        return IsStatus(ReadClientSetting(&setting));
+    });
+    Inject("CheckConfigFile", [] { return IsStatus(CheckConfigFile()); });
+    Inject("GetUserMessageID", [] {
+        DWORD dwId = 0;
+        return IsStatus(GetUserMessageID(L"lin", &dwId));
+    });
+    Inject("GetUserMessageDays", [] {
+        int iDays = 0;
+        return IsStatus(GetUserMessageDays(L"lin", &iDays));
+    });
+    Inject("GetUserMsgInterval", [] {
+        DWORD dwInterval = 0;
+        return IsStatus(GetUserMsgInterval(L"lin", &dwInterval));
+    });
     Inject("GetAutoLogonInfo", [] {
         BYTE abyData[16];
         int iLength = 0;
@@ -227,4 +256,18 @@ TEST_CASE_METHOD(StoreFaults, "the store's readers and deleters survive each fai
     });
     Inject("DelAutoLogonInfo", [] { return IsStatus(DelAutoLogonInfo()); });
     Inject("DelUserMessageFile", [] { return IsStatus(DelUserMessageFile(L"lin")); });
+}
+
+TEST_CASE_METHOD(StoreFaults, "the current user is found or hard-coded whatever fails", "[faults]")
+{
+    constexpr wchar_t kLogonKey[] = L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon";
+    registry.SetText(kLogonKey, L"DefaultUserName", L"mei");
+    registry.SetText(kLogonKey, L"DefaultDomainName", L"office");
+    Inject("GetCurrentUsername", [] {
+        wchar_t szUserName[kUserNameUnits] = {};
+        wchar_t szDomainName[kDomainNameUnits] = {};
+        return GetCurrentUsername(szUserName, szDomainName) == 1 &&
+               ((wcscmp(szUserName, L"mei") == 0 && wcscmp(szDomainName, L"office") == 0) ||
+                (wcscmp(szUserName, L"QPS") == 0 && wcscmp(szDomainName, L"VEL") == 0));
+    });
 }

@@ -286,6 +286,26 @@ TEST_CASE("a scope guard runs its call once at the end, also when an exception l
     CHECK(s_iGuarded == 7);
 }
 
+TEST_CASE("a scope guard without memory for its call runs it at once and says so", "[support][guard]")
+{
+    s_iGuarded = 0;
+    const auto noMemory = [](size_t) -> void* { return nullptr; };
+    bool bThrown = false;
+    {
+        const ImportHook hook(nullptr, "malloc", +noMemory);
+        try
+        {
+            const Language::scope_guard guard(boost::bind(&CountGuarded, 3));
+        }
+        catch (const std::bad_alloc&)
+        {
+            bThrown = true;
+        }
+    }
+    CHECK(bThrown);
+    CHECK(s_iGuarded == 3);
+}
+
 TEST_CASE("a command line falls into words and quoted tokens", "[support][launch]")
 {
     using Tokens = std::vector<std::wstring>;

@@ -1,5 +1,6 @@
 // What the settings page's controls do to each other.
 
+#include "tests/common/LogLines.h"
 #include "tests/ui/BoxWatcher.h"
 #include "tests/ui/SettingsFixture.h"
 #include "ui/NumberBox.h"
@@ -548,4 +549,22 @@ TEST_CASE_METHOD(EditFixture, "two pages of one process share the roles of the s
     CHECK(first.Checked(1011));
     CHECK(first.Text(1007) == L"420");
     CHECK(first.Text(1008) == L"297");
+}
+
+TEST_CASE_METHOD(EditFixture, "reading a size box leaves its scopes in the log, the check's inside the reading's",
+                 "[ui][settings][log]")
+{
+    const PageWindow page = Open();
+    page.Type(1007, L"123");
+    const LoggingOn logging{"OutputFunBeginInfo"};
+    wchar_t szNumber[5];
+    int iNumber = 0;
+    CHECK(SubGetEditToINT(page.Item(1007), szNumber, 5, iNumber) == 1);
+    CHECK(iNumber == 123);
+    const std::vector<std::string> lines = Masked(logging);
+    REQUIRE(lines.size() >= 4);
+    CHECK(lines.front() == "VelUI_dll__SubGetEditToINT :START......");
+    CHECK(lines[1] == "VelUI_dll__SubCheckAllNum :START......");
+    CHECK(lines[lines.size() - 2] == "VelUI_dll__SubCheckAllNum :End  ......");
+    CHECK(lines.back() == "VelUI_dll__SubGetEditToINT :End  ......");
 }

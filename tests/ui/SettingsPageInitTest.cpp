@@ -235,18 +235,28 @@ TEST_CASE_METHOD(SettingsFixture, "the first message runs on into the next: its 
 namespace
 {
 
-LONG_PTR WINAPI FailSetWindowLong(HWND, int, LONG_PTR)
+LONG_PTR RealSetWindowLong(HWND hWindow, int iIndex, LONG_PTR lValue)
 {
+    using Real = LONG_PTR WINAPI(HWND, int, LONG_PTR);
+    auto* const pfnReal = reinterpret_cast<Real*>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32"), "SetWindowLongPtrW")));
+    return pfnReal(hWindow, iIndex, lValue);
+}
+
+/// Fails for a page's data alone.
+LONG_PTR WINAPI FailSetWindowLong(HWND hWindow, int iIndex, LONG_PTR lValue)
+{
+    if (iIndex != GWLP_USERDATA)
+    {
+        return RealSetWindowLong(hWindow, iIndex, lValue);
+    }
     SetLastError(ERROR_ACCESS_DENIED);
     return 0;
 }
 
 LONG_PTR WINAPI FailWithOldValue(HWND hWindow, int iIndex, LONG_PTR lValue)
 {
-    using Real = LONG_PTR WINAPI(HWND, int, LONG_PTR);
-    auto* const pfnReal = reinterpret_cast<Real*>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32"), "SetWindowLongPtrW")));
-    pfnReal(hWindow, iIndex, lValue);
+    RealSetWindowLong(hWindow, iIndex, lValue);
     SetLastError(ERROR_ACCESS_DENIED);
     return 1;
 }
@@ -261,6 +271,23 @@ TEST_CASE_METHOD(SettingsFixture, "a page that can't keep its data is not set up
     const ImportHook hook(nullptr, "SetWindowLongPtrW", &FailSetWindowLong);
     CHECK(ProSetPage(page.Get(), WM_INITDIALOG, 0, reinterpret_cast<LPARAM>(&sheetPage)) == 0);
     CHECK(page.Changes() == 0);
+}
+
+TEST_CASE_METHOD(SettingsFixture, "a page that could not keep its data tells of changes and does nothing else",
+                 "[ui][settings]")
+{
+    PROPSHEETPAGEW sheetPage = {};
+    sheetPage.lParam = reinterpret_cast<LPARAM>(&data);
+    const ImportHook hook(nullptr, "SetWindowLongPtrW", &FailSetWindowLong);
+    const PageWindow page(module.handle, IDD_SETTINGS, &ProSetPage, sheetPage.lParam);
+    page.Type(IDC_FIRST_SIZE, L"210");
+    CHECK(page.Changes() == 3); // one a key
+    page.Click(IDC_LANDSCAPE);
+    page.Click(IDC_DUPLEX);
+    CHECK(page.Changes() == 5);
+    CHECK(page.Text(IDC_FIRST_SIZE) == L"210");
+    CHECK(page.Text(IDC_SECOND_SIZE).empty());
+    CHECK(page.Enabled(IDC_SHORT_EDGE)); // as the dialog has it
 }
 
 TEST_CASE_METHOD(SettingsFixture, "a last error beside an old value is no failure to keep the data", "[ui][settings]")
