@@ -1,9 +1,8 @@
 #include "diag/LogSite.h"
+#include "driver/NoWaterPrint.h"
 #include "settings/ConvertDevmode.h"
 #include "settings/DefaultRecord.h"
 #include "settings/DriverDevmode.h"
-#include "state/ClientConfig.h"
-#include "state/StoreTypes.h"
 #include "support/PrinterInterface.h"
 
 #include <cstring>
@@ -72,12 +71,7 @@ void DeliverDefault(PDEVMODEW pdmOut, PLONG pcbNeeded)
 {
     stuDrvDevmode record = {};
     SubSetDevMode(&record);
-    if (VelUtility::GetDefSetting(&record.dwNoWaterPrint) != VelUtility::PSERR_OK)
-    {
-        // No dialog is shown: the words are the line's only.
-        LOG_WARNING_WORDS("GetDefSetting failed. Popup confirm dialog.");
-        record.dwNoWaterPrint = 0;
-    }
+    record.dwNoWaterPrint = ReadStoredNoWaterPrint();
     *pcbNeeded = kRecordSize;
     std::memcpy(pdmOut, &record, kRecordSize);
 }

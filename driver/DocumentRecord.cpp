@@ -1,10 +1,9 @@
 #include "driver/DocumentRecord.h"
 
 #include "diag/LogSite.h"
+#include "driver/NoWaterPrint.h"
 #include "settings/DefaultRecord.h"
 #include "settings/DriverDevmode.h"
-#include "state/ClientConfig.h"
-#include "state/StoreTypes.h"
 
 VELUI_SOURCE_MODULE("VelUI");
 
@@ -16,18 +15,6 @@ constexpr LONG kFailed = -1;
 /// dmDriverExtra from which on the no-watermark request is written.
 /// Required: one word of the tail is enough, although the request is the second.
 constexpr WORD kExtraWithRequest = 4;
-
-/// Puts the user's stored request into a record.
-void WriteNoWaterPrint(DEVMODEW* pdmOut)
-{
-    DWORD dwNoWaterPrint = 0;
-    if (VelUtility::GetDefSetting(&dwNoWaterPrint) != VelUtility::PSERR_OK)
-    {
-        // No dialog is shown: the words are the line's only.
-        LOG_WARNING_WORDS("GetDefSetting failed. Popup confirm dialog.");
-    }
-    reinterpret_cast<stuDrvDevmode*>(pdmOut)->dwNoWaterPrint = dwNoWaterPrint;
-}
 
 LONG FillRecord(PDOCUMENTPROPERTYHEADER pDPHdr)
 {
@@ -45,7 +32,7 @@ LONG FillRecord(PDOCUMENTPROPERTYHEADER pDPHdr)
     LOG_DEBUG("pDPHdr->pdmOut = %s\n", ToLogText(pDPHdr->pdmOut).c_str());
     if (pDPHdr->pdmOut->dmDriverExtra >= kExtraWithRequest)
     {
-        WriteNoWaterPrint(pDPHdr->pdmOut);
+        reinterpret_cast<stuDrvDevmode*>(pDPHdr->pdmOut)->dwNoWaterPrint = ReadStoredNoWaterPrint();
     }
     return iMerged != 0 ? 1 : kFailed;
 }

@@ -338,6 +338,30 @@ TEST_CASE("a failed start is logged only on a thread inside a traced function", 
     }
 }
 
+namespace
+{
+
+BOOL WINAPI ThrowOther(LPWSTR, LPDWORD)
+{
+    throw 1;
+}
+
+} // namespace
+
+TEST_CASE("an exception of another kind ends a check, and leaves a line inside a traced function",
+          "[driver][client][log]")
+{
+    const ImportHook hook(nullptr, "GetUserNameW", &ThrowOther);
+    const LoggingOn logging{"OutputParam"};
+    {
+        const TraceScope scope("Outer");
+        CheckResidentClient();
+    }
+    const std::vector<std::string> lines = Masked(logging);
+    REQUIRE(lines.size() == 1);
+    CHECK(lines[0] == "FATAL - VelUI(#) : Caught unexpected C++ exception.");
+}
+
 TEST_CASE("a process that is gone is not alive, and leaves a line inside a traced function", "[driver][client][log]")
 {
     CHECK(IsClientProcessAlive(GetCurrentProcessId()));
