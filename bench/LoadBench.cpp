@@ -26,6 +26,22 @@ struct Memory
     double dPagefile;
 };
 
+/// The number of the last of some new handles, which take the first free places of the process's table: it grows when
+/// handles are lost.
+double HandlePlace()
+{
+    HANDLE handles[16];
+    for (HANDLE& hEvent : handles)
+    {
+        hEvent = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    }
+    for (const HANDLE hEvent : handles)
+    {
+        CloseHandle(hEvent);
+    }
+    return static_cast<double>(reinterpret_cast<size_t>(handles[15])) / 4; // a handle's number is four times its place
+}
+
 /// What a file adds to the process while it is loaded, and what is left of it.
 void TellMemory(Table& table, const char* pszName, const std::wstring& strFile)
 {
@@ -35,6 +51,7 @@ void TellMemory(Table& table, const char* pszName, const std::wstring& strFile)
     const Memory loaded;
     FreeLibrary(hModule);
     const Memory unloaded;
+    const double dPlace = HandlePlace();
     for (int i = 0; i < 500; ++i)
     {
         LoadAndUnload(strFile);
@@ -44,6 +61,7 @@ void TellMemory(Table& table, const char* pszName, const std::wstring& strFile)
     table.AddNumber(strName + ": working set, first load", loaded.dWorkingSet - before.dWorkingSet, told);
     table.AddNumber(strName + ": own memory, first load", loaded.dPagefile - before.dPagefile, told);
     table.AddNumber(strName + ": working set left by 500 loads", later.dWorkingSet - unloaded.dWorkingSet, told);
+    table.AddNumber(strName + ": handles left by 500 loads", HandlePlace() - dPlace, PlainGoal("handles"));
 }
 
 } // namespace
