@@ -1,4 +1,5 @@
 #include "tests/common/BuiltModule.h"
+#include "tests/common/ClientFixture.h"
 #include "tests/common/Handles.h"
 #include "tests/common/HeapUse.h"
 #include "tests/common/PrivateRegistry.h"
@@ -9,6 +10,7 @@
 
 #include <tlhelp32.h>
 
+#include <filesystem>
 #include <vector>
 
 namespace
@@ -116,6 +118,31 @@ TEST_CASE("5,000 loads and unloads leave indexes, modules, handles and memory as
     const size_t cbAfter = HeapInUse();
     CAPTURE(cbHeap, cbAfter);
     CHECK(cbAfter < cbHeap + 5000 * 16);
+}
+
+TEST_CASE_METHOD(ClientFixture, "200 loads and unloads with a log leave handles and memory as before", "[driver][load]")
+{
+    const std::string strLog = std::filesystem::path(folder.File(L"log.txt")).string();
+    WriteFileBytes(folder.File(L"LogConfig.conf"), "rootCategory=ERROR\n"
+                                                   "category.VelUI_dll=DEBUG, log\n"
+                                                   "appender.log=FileAppender\n"
+                                                   "appender.log.fileName=" +
+                                                       strLog + "\n");
+    for (int i = 0; i < 20; ++i)
+    {
+        UseOnce();
+    }
+    const size_t uiHandle = NextHandle();
+    const size_t cbHeap = HeapInUse();
+    for (int i = 0; i < 200; ++i)
+    {
+        UseOnce();
+    }
+    CHECK(PathExists(folder.File(L"log.txt")));
+    CHECK(NextHandle() == uiHandle);
+    const size_t cbAfter = HeapInUse();
+    CAPTURE(cbHeap, cbAfter);
+    CHECK(cbAfter < cbHeap + 200 * 16);
 }
 
 TEST_CASE("the module can be unloaded while threads that used it go on", "[driver][load]")
