@@ -3,7 +3,7 @@
 #include "settings/DriverDevmode.h"
 #include "support/ProcessWalk.h"
 
-#include <cstdio>
+#include <chrono>
 #include <fstream>
 
 namespace
@@ -17,6 +17,7 @@ constexpr wchar_t kComputerKey[] = L"System\\CurrentControlSet\\Control\\Compute
 /// The user whose files are read.
 constexpr wchar_t kUser[] = L"mei";
 constexpr wchar_t kDomain[] = L"OFFICE";
+constexpr char kDefSetting[] = "[PrintSetting]\r\nDefaultNoWaterPrint=1\r\n";
 
 std::filesystem::path NewFolder()
 {
@@ -86,6 +87,15 @@ void WriteBytes(const std::wstring& strPath, const void* pBytes, size_t cbBytes)
         .write(static_cast<const char*>(pBytes), static_cast<std::streamsize>(cbBytes));
 }
 
+/// Gives a file a time that has long passed, each time another one. The platform reads a profile file anew at each call
+/// while its last change is a moment ago; later it does so only when the time has changed.
+void Age(const std::wstring& strPath)
+{
+    static int s_iMinutes = 0;
+    const auto age = std::chrono::hours(24) + std::chrono::minutes(++s_iMinutes);
+    std::filesystem::last_write_time(strPath, std::filesystem::file_time_type::clock::now() - age);
+}
+
 template <typename Function>
 void Find(HMODULE hModule, const char* pszName, Function& pfn)
 {
@@ -114,8 +124,9 @@ BenchClient::BenchClient() : m_folder(NewFolder())
     SetText(kWinlogonKey, L"DefaultUserName", kUser);
     SetText(kWinlogonKey, L"DefaultDomainName", kDomain);
     SetText(L"Software\\Microsoft\\Windows\\CurrentVersion", L"ProgramFilesDir", File(L"Program Files"));
-    WritePrivateProfileStringW(L"PrintSetting", L"DefaultNoWaterPrint", L"1",
-                               File(std::wstring(kUser) + L"@" + kDomain + L"_defsetting.ini").c_str());
+    const std::wstring strDefSetting = File(std::wstring(kUser) + L"@" + kDomain + L"_defsetting.ini");
+    WriteBytes(strDefSetting, kDefSetting, sizeof(kDefSetting) - 1);
+    Age(strDefSetting);
     UseSample();
     RegOverridePredefKey(HKEY_LOCAL_MACHINE, m_hRoot);
 }
@@ -140,12 +151,14 @@ void BenchClient::SetText(const wchar_t* pszKey, const wchar_t* pszValue, const 
 void BenchClient::UseSample() const
 {
     CopyFileW(Beside(L"sample\\Config.ini").c_str(), File(L"Config.ini").c_str(), FALSE);
+    Age(File(L"Config.ini"));
 }
 
 void BenchClient::UsePapers(int iPapers) const
 {
     const std::wstring strText = PapersText(iPapers);
     WriteBytes(File(L"Config.ini"), strText.data(), strText.size() * sizeof(wchar_t));
+    Age(File(L"Config.ini"));
 }
 
 void BenchClient::StoreRecord(bool bStored) const

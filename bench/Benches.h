@@ -14,7 +14,7 @@ void BenchCaps(Table& table, const BenchClient& client, const BenchModule& modul
 void BenchRecords(Table& table, const BenchClient& client, const BenchModule& module, DWORD dwClientPid);
 
 /// A document sheet, from its first call to its visible page.
-void BenchSheet(Table& table, const BenchClient& client, const BenchModule& module);
+void BenchSheet(Table& table, const BenchClient& client, const BenchModule& module, DWORD dwClientPid);
 
 /// Capability queries on several threads.
 void BenchThreads(Table& table, const BenchClient& client, const BenchModule& module, DWORD dwClientPid);

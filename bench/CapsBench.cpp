@@ -3,6 +3,7 @@
 #include "bench/floors/StoreFloor.h"
 
 #include <functional>
+#include <stdexcept>
 #include <vector>
 
 namespace
@@ -27,26 +28,32 @@ struct Snapshot
 {
     const char* pszName;
     WORD iDevCap;
-    std::function<void()> floor;
+    std::function<DWORD()> floor;
 };
 
 Snapshot Number(const char* pszName, WORD iDevCap, const wchar_t* pszKey)
 {
-    return {pszName, iDevCap, [=] { FloorNumber(pszKey); }};
+    return {pszName, iDevCap, [=] { return FloorNumber(pszKey); }};
 }
 Snapshot WordList(const char* pszName, WORD iDevCap, const wchar_t* pszCountKey, const wchar_t* pszBaseKey)
 {
-    return {pszName, iDevCap, [=] { FloorWords(pszCountKey, pszBaseKey, Words()); }};
+    return {pszName, iDevCap, [=] { return FloorWords(pszCountKey, pszBaseKey, Words()); }};
+}
+Snapshot DwordList(const char* pszName, WORD iDevCap, const wchar_t* pszCountKey, const wchar_t* pszBaseKey)
+{
+    return {pszName, iDevCap,
+            [=] { return FloorDwords(pszCountKey, pszBaseKey, reinterpret_cast<DWORD*>(g_abyOutput)); }};
 }
 Snapshot PairList(const char* pszName, WORD iDevCap, const wchar_t* pszCountKey, const wchar_t* pszX,
                   const wchar_t* pszY)
 {
-    return {pszName, iDevCap, [=] { FloorPairs(pszCountKey, pszX, pszY, reinterpret_cast<POINT*>(g_abyOutput)); }};
+    return {pszName, iDevCap,
+            [=] { return FloorPairs(pszCountKey, pszX, pszY, reinterpret_cast<POINT*>(g_abyOutput)); }};
 }
 Snapshot NameList(const char* pszName, WORD iDevCap, const wchar_t* pszCountKey, const wchar_t* pszBaseKey,
                   DWORD dwWidth = 64)
 {
-    return {pszName, iDevCap, [=] { FloorNames(pszCountKey, pszBaseKey, Names(), dwWidth); }};
+    return {pszName, iDevCap, [=] { return FloorNames(pszCountKey, pszBaseKey, Names(), dwWidth); }};
 }
 
 const Snapshot kPapers = WordList("DC_PAPERS", DC_PAPERS, L"PapersCount", L"Papers");
@@ -74,8 +81,7 @@ std::vector<Snapshot> AllCodes()
             Number("DC_PRINTRATEPPM", DC_PRINTRATEPPM, L"PrintPPM"),
             Number("DC_COLORDEVICE", DC_COLORDEVICE, L"ColorDevice"),
             NameList("DC_MEDIATYPENAMES", DC_MEDIATYPENAMES, L"MediaTypeNamesCount", L"MediaTypeNames"),
-            {"DC_MEDIATYPES", DC_MEDIATYPES,
-             [] { FloorDwords(L"MediaTypesCount", L"MediaTypes", reinterpret_cast<DWORD*>(g_abyOutput)); }}};
+            DwordList("DC_MEDIATYPES", DC_MEDIATYPES, L"MediaTypesCount", L"MediaTypes")};
 }
 
 /// Measures queries of one module against their floors.
@@ -93,6 +99,7 @@ public:
     }
     Row Code(const Snapshot& code, const std::string& strWith, Goal goal = kGoal)
     {
+        CheckAnswer(code);
         return m_table.Measure(std::string(code.pszName) + ", " + strWith, Repeat([this, &code] {
                                    FloorClientCheck(m_dwClientPid);
                                    code.floor();
@@ -101,6 +108,18 @@ public:
     }
 
 private:
+    /// What is compared must do the same work.
+    void CheckAnswer(const Snapshot& code) const
+    {
+        const DWORD dwFloor = code.floor();
+        const DWORD dwOurs = m_module.pfnCaps(nullptr, nullptr, code.iDevCap, g_abyOutput, nullptr);
+        if (dwFloor != dwOurs)
+        {
+            throw std::runtime_error(std::string(code.pszName) + ": the floor answers " + std::to_string(dwFloor) +
+                                     ", the module " + std::to_string(dwOurs));
+        }
+    }
+
     Loop Query(WORD iDevCap) const
     {
         return Repeat(

@@ -69,9 +69,13 @@ void TellMemory(Table& table, const char* pszName, const std::wstring& strFile)
 void BenchLoad(Table& table)
 {
     const std::wstring strEmpty = Beside(L"EmptyModule.dll");
+    const std::wstring strLog4cpp = Beside(L"EmptyWithLog4cpp.dll");
     const std::wstring strOurs = Beside(L"VelUI.dll");
     TellMemory(table, "EmptyModule.dll", strEmpty);
     TellMemory(table, "VelUI.dll", strOurs);
     table.Measure("load and unload", Repeat([&] { LoadAndUnload(strEmpty); }), Repeat([&] { LoadAndUnload(strOurs); }),
                   RatioGoal(1.5));
+    table.Measure("of which log4cpp and the C++ run-time: an empty module with them",
+                  Repeat([&] { LoadAndUnload(strEmpty); }), Repeat([&] { LoadAndUnload(strLog4cpp); }),
+                  RatioGoal(kNoLimit));
 }

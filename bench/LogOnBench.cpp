@@ -72,27 +72,27 @@ void BenchLines(Pair& pair)
     TRACE_FUNCTION("VelUtility::GetClientFolder");
     pair.Measure(
         "error line with words",
-        [](log4cpp::Category& bare) { FloorWords(bare, kPriorityError, "ERROR", kSourceModule, __LINE__, kWords); },
+        [](log4cpp::Category& bare) { FloorWordsLine(bare, kPriorityError, "ERROR", kSourceModule, __LINE__, kWords); },
         [] { LOG_ERROR_WORDS(kWords); });
     pair.Measure(
         "debug line with words",
-        [](log4cpp::Category& bare) { FloorWords(bare, kPriorityDebug, "DEBUG", kSourceModule, __LINE__, kWords); },
+        [](log4cpp::Category& bare) { FloorWordsLine(bare, kPriorityDebug, "DEBUG", kSourceModule, __LINE__, kWords); },
         [] { LOG_DEBUG_WORDS(kWords); });
     pair.Measure(
         "debug line with a wide text",
-        [](log4cpp::Category& bare) { FloorWide(bare, kSourceModule, __LINE__, kFolder); },
+        [](log4cpp::Category& bare) { FloorWideLine(bare, kSourceModule, __LINE__, kFolder); },
         [] { LOG_DEBUG("szFolder = %S", kFolder); });
     pair.Measure(
-        "info line", [](log4cpp::Category& bare) { FloorInvoked(bare, "VelUtility::GetClientFolder"); },
+        "info line", [](log4cpp::Category& bare) { FloorInvokedLine(bare, "VelUtility::GetClientFolder"); },
         [] { LOG_INFO("%s was invoked.", "VelUtility::GetClientFolder"); });
     pair.Measure(
-        "result line", [](log4cpp::Category& bare) { FloorResult(bare, kSourceModule, __LINE__, 1); },
+        "result line", [](log4cpp::Category& bare) { FloorResultLine(bare, kSourceModule, __LINE__, 1); },
         [] {
             const int lReturn = 1;
             LOG_RESULT(lReturn);
         });
     pair.Measure(
-        "trace pair", [](log4cpp::Category& bare) { FloorTrace(bare, "VelUtility::SubCmpCaps_Rtn"); },
+        "trace pair", [](log4cpp::Category& bare) { FloorTracePair(bare, "VelUtility::SubCmpCaps_Rtn"); },
         [] { TRACE_FUNCTION("VelUtility::SubCmpCaps_Rtn"); });
 }
 

@@ -56,31 +56,31 @@ const char* Verdict(const Row& row)
 
 void PrintHeading()
 {
-    std::printf("%-62s %12s %12s %9s %-9s %7s %7s\n", "measure", "floor ns", "ours ns", "figure", "", "spread", "goal");
+    std::printf("%-62s %13s %13s %9s %-7s %7s %6s\n", "measure", "floor", "ours", "figure", "", "spread", "goal");
 }
 
-void PrintTime(double dNanoseconds)
+void PrintTime(double dTime, const char* pszUnit)
 {
-    if (dNanoseconds > 0)
+    if (dTime > 0)
     {
-        std::printf(" %12.1f", dNanoseconds);
+        std::printf(" %10.*f %-2s", pszUnit[0] == 'x' ? 3 : 1, dTime, pszUnit);
     }
     else
     {
-        std::printf(" %12s", "");
+        std::printf(" %13s", "");
     }
 }
 
 void PrintRow(const Row& row)
 {
     std::printf("%-62s", row.strMeasure.c_str());
-    PrintTime(row.dFloor);
-    PrintTime(row.dOurs);
+    PrintTime(row.dFloor, row.goal.pszTimesUnit);
+    PrintTime(row.dOurs, row.goal.pszTimesUnit);
     const int iDigits = row.goal.figure == Goal::Figure::Ratio ? 3 : 1;
-    std::printf(" %9.*f %-9s %7.*f", iDigits, row.dFigure, row.goal.pszUnit, iDigits, row.dSpread);
+    std::printf(" %9.*f %-7s %7.*f", iDigits, row.dFigure, row.goal.pszUnit, iDigits, row.dSpread);
     if (row.HasGoal())
     {
-        std::printf(" %7.*f %s", row.goal.figure == Goal::Figure::Ratio ? 2 : 0, row.goal.dMost, Verdict(row));
+        std::printf(" %6.*f %s", row.goal.figure == Goal::Figure::Ratio ? 2 : 0, row.goal.dMost, Verdict(row));
     }
     std::printf("\n");
     std::fflush(stdout);

@@ -15,8 +15,9 @@ struct Goal
         Plain  ///< a number that was not timed
     };
     Figure figure;
-    double dMost;        ///< the figure's limit; kNoLimit when the row is only told
-    const char* pszUnit; ///< of the figure
+    double dMost;                    ///< the figure's limit; kNoLimit when the row is only told
+    const char* pszUnit;             ///< of the figure
+    const char* pszTimesUnit = "ns"; ///< of the floor's and our times
 };
 
 inline constexpr double kNoLimit = -1;
@@ -36,7 +37,7 @@ inline constexpr Goal PlainGoal(const char* pszUnit, double dMost = kNoLimit)
     return {Goal::Figure::Plain, dMost, pszUnit};
 }
 
-/// One line of the table. Times are nanoseconds of one call.
+/// One line of the table. Times are nanoseconds of one call, but where the goal names another unit.
 struct Row
 {
     std::string strMeasure;

@@ -2,6 +2,8 @@
 #include "bench/floors/SheetFloor.h"
 #include "settings/DriverDevmode.h"
 
+#include <functional>
+#include <memory>
 #include <vector>
 
 namespace
@@ -107,38 +109,38 @@ private:
 stuDrvDevmode g_in = {};
 
 /// Nanoseconds from a sheet's first step to its visible page; 0 when no page shows.
-double TimeFloor(HMODULE hModule)
+/// @param makePages hands out an object with the sheet's pages in it, which lives as long as the sheet.
+template <typename MakePages>
+double TimeSheet(MakePages makePages)
 {
     const double dStart = NowNanoseconds();
-    std::vector<HPROPSHEETPAGE> pages = FloorPages(hModule);
-    const ShownSheet sheet(pages);
+    auto document = makePages();
+    const ShownSheet sheet(document->pages);
     const double dTime = NowNanoseconds() - dStart;
     return sheet.HasVisiblePage() ? dTime : 0;
 }
 
-double TimeOurs(const BenchModule& module)
+/// The pages of a bare sheet.
+struct BarePages
 {
-    const double dStart = NowNanoseconds();
-    DocumentSheet document(module, &g_in.stuDevmode);
-    const ShownSheet sheet(document.pages);
-    const double dTime = NowNanoseconds() - dStart;
-    return sheet.HasVisiblePage() ? dTime : 0;
-}
+    std::vector<HPROPSHEETPAGE> pages;
+};
 
-constexpr int kRounds = 31;
+constexpr int kRounds = 101;
 
-void Compare(Table& table, const std::string& strMeasure, const BenchModule& module)
+void Compare(Table& table, const std::string& strMeasure, const std::function<double()>& timeFloor,
+             const std::function<double()>& timeOurs, Goal goal)
 {
-    TimeFloor(module.handle);
-    TimeOurs(module);
+    timeFloor();
+    timeOurs();
     std::vector<double> floors;
     std::vector<double> ours;
     for (int iRound = 0; iRound < kRounds; ++iRound)
     {
         const bool bFloorFirst = iRound % 2 == 0;
-        double dFloor = bFloorFirst ? TimeFloor(module.handle) : 0;
-        const double dOurs = TimeOurs(module);
-        dFloor = bFloorFirst ? dFloor : TimeFloor(module.handle);
+        double dFloor = bFloorFirst ? timeFloor() : 0;
+        const double dOurs = timeOurs();
+        dFloor = bFloorFirst ? dFloor : timeFloor();
         if (dFloor > 0 && dOurs > 0)
         {
             floors.push_back(dFloor);
@@ -147,17 +149,29 @@ void Compare(Table& table, const std::string& strMeasure, const BenchModule& mod
     }
     if (!floors.empty())
     {
-        table.Add(RowOfPairs(strMeasure, floors, ours, RatioGoal(1.2)));
+        table.Add(RowOfPairs(strMeasure, floors, ours, goal));
     }
 }
 
 } // namespace
 
-void BenchSheet(Table& table, const BenchClient& client, const BenchModule& module)
+void BenchSheet(Table& table, const BenchClient& client, const BenchModule& module, DWORD dwClientPid)
 {
     g_in.stuDevmode.dmSize = kDevmodeSize;
     g_in.stuDevmode.dmDriverExtra = kDriverExtra;
     g_in.stuDevmode.dmPaperSize = DMPAPER_A4;
     client.UseSample();
-    Compare(table, "document sheet, INIT to visible page, sample", module);
+    const auto makeBare = [&] { return std::make_unique<BarePages>(BarePages{FloorPages(module.handle)}); };
+    const auto makeBareWithStore = [&] {
+        FloorSheetStore(dwClientPid);
+        return makeBare();
+    };
+    const auto makeOurs = [&] { return std::make_unique<DocumentSheet>(module, &g_in.stuDevmode); };
+    const auto timeOurs = [&] { return TimeSheet(makeOurs); };
+    Compare(
+        table, "document sheet, INIT to visible page, sample", [&] { return TimeSheet(makeBare); }, timeOurs,
+        RatioGoal(1.2));
+    Compare(
+        table, "the same to a bare sheet with the contract's store calls", [&] { return TimeSheet(makeBareWithStore); },
+        timeOurs, RatioGoal(kNoLimit));
 }

@@ -9,11 +9,11 @@ namespace
 {
 
 /// Within 10 % of the floor's own scaling.
-constexpr Goal kGoal = RatioGoal(1.10);
-constexpr int kRounds = 61;
-constexpr int kCallsPerRound = 64; ///< of all threads together
+constexpr Goal kGoal = {Goal::Figure::Ratio, 1.10, "x", "x"};
+constexpr int kRounds = 41;
+constexpr double kRunNs = 20e6; ///< length of one run on one thread
 
-/// One thread's share of a round, behind a gate that lets all threads go at once.
+/// One thread's share of a run, behind a gate that lets all threads go at once.
 struct Share
 {
     const Loop* pLoop;
@@ -30,10 +30,11 @@ DWORD WINAPI RunShare(void* pShare)
 }
 
 /// Nanoseconds from the gate's opening to the end of the last of so many threads.
-double TimeThreads(const Loop& loop, int iThreads)
+/// @param iCalls calls of all threads together.
+double TimeThreads(const Loop& loop, int iCalls, int iThreads)
 {
     const HANDLE hGate = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    Share share = {&loop, kCallsPerRound / iThreads, hGate};
+    Share share = {&loop, iCalls / iThreads, hGate};
     std::vector<HANDLE> threads;
     for (int i = 0; i < iThreads; ++i)
     {
@@ -54,6 +55,7 @@ double TimeThreads(const Loop& loop, int iThreads)
 /// How many times as long the same calls take on so many threads as on one, ours to floor.
 void Scale(Table& table, const std::string& strQuery, int iThreads, const Loop& floor, const Loop& ours)
 {
+    const int iCalls = (static_cast<int>(kRunNs / (TimeThreads(floor, 100, 1) / 100)) | 7) + 1; // a multiple of 8
     std::vector<double> floors;
     std::vector<double> oursScales;
     // Each side on one thread and on many; the order goes round.
@@ -65,14 +67,13 @@ void Scale(Table& table, const std::string& strQuery, int iThreads, const Loop& 
         for (size_t i = 0; i < runs.size(); ++i)
         {
             const size_t uiRun = (i + static_cast<size_t>(iRound)) % runs.size();
-            times[uiRun] = TimeThreads(*runs[uiRun].first, runs[uiRun].second);
+            times[uiRun] = TimeThreads(*runs[uiRun].first, iCalls, runs[uiRun].second);
         }
         floors.push_back(times[2] / times[0]);
         oursScales.push_back(times[3] / times[1]);
     }
-    Row row = RowOfPairs(strQuery + ", " + std::to_string(iThreads) + " threads to one (times, not ns)", floors,
-                         oursScales, kGoal);
-    table.Add(row);
+    table.Add(RowOfPairs(strQuery + ", time on " + std::to_string(iThreads) + " threads to time on one", floors,
+                         oursScales, kGoal));
 }
 
 /// All processors for this process for the length of a scope; the platform's server stays where it is.

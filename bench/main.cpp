@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <exception>
 
 namespace
 {
@@ -58,7 +59,7 @@ bool BenchModuleCalls(Table& table, const BenchClient& client, const Choice& cho
     }
     if (choice.Has("sheet"))
     {
-        BenchSheet(table, client, module);
+        BenchSheet(table, client, module, resident.Pid());
     }
     if (choice.Has("threads"))
     {
@@ -67,12 +68,10 @@ bool BenchModuleCalls(Table& table, const BenchClient& client, const Choice& cho
     return true;
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+/// All subjects that are wanted.
+/// @return the program's code: 0 whether the goals are met or not.
+int BenchAll(const Choice& choice)
 {
-    const Choice choice(argc, argv);
-    TellProcessors();
     Table table;
     const BenchClient client;
     if (choice.Has("load"))
@@ -94,4 +93,20 @@ int main(int argc, char** argv)
     }
     table.Report("velbench.json");
     return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    TellProcessors();
+    try
+    {
+        return BenchAll(Choice(argc, argv));
+    }
+    catch (const std::exception& exception)
+    {
+        std::printf("velbench: %s\n", exception.what());
+        return 1;
+    }
 }

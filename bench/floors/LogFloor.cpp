@@ -15,29 +15,29 @@ std::unique_ptr<log4cpp::Appender> MakeFileAppender(const std::string& strName, 
     return pAppender;
 }
 
-void FloorWords(log4cpp::Category& category, int iPriority, const char* pszLevel, const char* pszModule, int iLine,
-                const char* pszWords)
+void FloorWordsLine(log4cpp::Category& category, int iPriority, const char* pszLevel, const char* pszModule, int iLine,
+                    const char* pszWords)
 {
     category.log(iPriority, "[ThreadID:%lu] %s - %s(%d) : %s", GetCurrentThreadId(), pszLevel, pszModule, iLine,
                  pszWords);
 }
 
-void FloorWide(log4cpp::Category& category, const char* pszModule, int iLine, const wchar_t* pszText)
+void FloorWideLine(log4cpp::Category& category, const char* pszModule, int iLine, const wchar_t* pszText)
 {
     category.debug("[ThreadID:%lu] DEBUG - %s(%d) : szFolder = %S", GetCurrentThreadId(), pszModule, iLine, pszText);
 }
 
-void FloorInvoked(log4cpp::Category& category, const char* pszFunction)
+void FloorInvokedLine(log4cpp::Category& category, const char* pszFunction)
 {
     category.info("[ThreadID:%lu] INFO - %s was invoked.", GetCurrentThreadId(), pszFunction);
 }
 
-void FloorResult(log4cpp::Category& category, const char* pszModule, int iLine, int iResult)
+void FloorResultLine(log4cpp::Category& category, const char* pszModule, int iLine, int iResult)
 {
     category.fatal("[ThreadID:%lu] Param - %s(%d) : lReturn = %d\n", GetCurrentThreadId(), pszModule, iLine, iResult);
 }
 
-void FloorTrace(log4cpp::Category& category, const char* pszFunction)
+void FloorTracePair(log4cpp::Category& category, const char* pszFunction)
 {
     log4cpp::NDC::push(std::string("VelUI_dll..") + pszFunction + '$');
     category.fatal("[ThreadID:%lu] VelUI_dll__%s :START......", GetCurrentThreadId(), pszFunction);

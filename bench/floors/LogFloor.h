@@ -27,17 +27,17 @@ protected:
 std::unique_ptr<log4cpp::Appender> MakeFileAppender(const std::string& strName, const std::string& strFile);
 
 /// The line of an error or debug message with its words.
-void FloorWords(log4cpp::Category& category, int iPriority, const char* pszLevel, const char* pszModule, int iLine,
-                const char* pszWords);
+void FloorWordsLine(log4cpp::Category& category, int iPriority, const char* pszLevel, const char* pszModule, int iLine,
+                    const char* pszWords);
 
 /// The line of a debug message with a wide text.
-void FloorWide(log4cpp::Category& category, const char* pszModule, int iLine, const wchar_t* pszText);
+void FloorWideLine(log4cpp::Category& category, const char* pszModule, int iLine, const wchar_t* pszText);
 
 /// The line that an entry point was invoked.
-void FloorInvoked(log4cpp::Category& category, const char* pszFunction);
+void FloorInvokedLine(log4cpp::Category& category, const char* pszFunction);
 
 /// The line of a result.
-void FloorResult(log4cpp::Category& category, const char* pszModule, int iLine, int iResult);
+void FloorResultLine(log4cpp::Category& category, const char* pszModule, int iLine, int iResult);
 
 /// The frame of a function with its START and its End line.
-void FloorTrace(log4cpp::Category& category, const char* pszFunction);
+void FloorTracePair(log4cpp::Category& category, const char* pszFunction);
