@@ -43,9 +43,9 @@ stress: configure ## 60 seconds of contention over the store's files
 	@cmake --build --preset release -j $(JOBS) --target veltests
 	@cd $(BUILD) && VELUI_STRESS_SECONDS=60 ../../tools/wine.sh --session ../../tools/wine.sh veltests.exe "[contention]"
 
-bench: configure ## measure against the floor
+bench: configure ## measure against the floor (docs/performance.md), all on one processor
 	@cmake --build --preset release -j $(JOBS) --target velbench VelUI
-	@cd $(BUILD) && ../../tools/wine.sh --session ../../tools/wine.sh velbench.exe
+	@cd $(BUILD) && taskset -c $$(($$(nproc) - 1)) ../../tools/wine.sh --session ../../tools/wine.sh velbench.exe $(BENCH)
 
 check: ## format, static analysis, drift
 	@tools/setup.sh check

@@ -10,10 +10,13 @@
 namespace
 {
 
+/// A part of a frame for "%.*s".
+#define SIZED_TEXT(text) static_cast<int>((text).size()), (text).data()
+
 void WriteTraceLine(log4cpp::Category* pCategory, const FrameName& frame, const char* pszMark)
 {
-    const std::string strText = frame.Underscored() + pszMark;
-    pCategory->fatal("[ThreadID:%lu] %s", GetCurrentThreadId(), strText.c_str());
+    pCategory->fatal("[ThreadID:%lu] %.*s_%.*s_%.*s%s", GetCurrentThreadId(), SIZED_TEXT(frame.strModule),
+                     SIZED_TEXT(frame.strClass), SIZED_TEXT(frame.strFunction), pszMark);
 }
 
 bool WantsTraceLines(const log4cpp::Category* pCategory)
@@ -22,9 +25,19 @@ bool WantsTraceLines(const log4cpp::Category* pCategory)
     return GetOutputSwitches(pCategory->getName(), switches) == 0 && switches.outputFunBeginInfo;
 }
 
-const char* OrEmpty(const char* pszText) noexcept
+std::string_view OrEmpty(const char* pszText) noexcept
 {
     return pszText != nullptr ? pszText : "";
+}
+
+/// The text of a frame as the NDC holds it.
+std::string FrameText(std::string_view strModule, std::string_view strClass, std::string_view strFunction)
+{
+    std::string strText;
+    strText.reserve(strModule.size() + strClass.size() + strFunction.size() + 3);
+    (strText += strModule) += '.';
+    (strText += strClass) += '.';
+    return (strText += strFunction) += '$';
 }
 
 } // namespace
@@ -32,8 +45,7 @@ const char* OrEmpty(const char* pszText) noexcept
 void PushTraceFrame(const char* pszModuleTag, const char* pszClassName, const char* pszFunctionName) noexcept
 {
     Quietly([=] {
-        log4cpp::NDC::push(std::string(OrEmpty(pszModuleTag)) + '.' + OrEmpty(pszClassName) + '.' +
-                           OrEmpty(pszFunctionName) + '$');
+        log4cpp::NDC::push(FrameText(OrEmpty(pszModuleTag), OrEmpty(pszClassName), OrEmpty(pszFunctionName)));
         LogTarget target;
         if (FindLogTarget(target) && target.pCategory != nullptr && WantsTraceLines(target.pCategory))
         {
@@ -66,9 +78,8 @@ void PopTraceFrame() noexcept
     });
 }
 
-void DumpCallStack(FrameName frame, int iPriority)
+void DumpCallStack(const FrameName& frame, int iPriority)
 {
-    std::string strStack = log4cpp::NDC::get();
     log4cpp::Category* const pCategory = FindCategory(frame);
     OutputSwitches switches;
     // The caller has found the category: it is there.
@@ -76,17 +87,19 @@ void DumpCallStack(FrameName frame, int iPriority)
     {
         return;
     }
+    const std::string_view strStack = log4cpp::NDC::get();
     pCategory->log(iPriority, "\t\t\t@_@ ---------\tCall\tStack\t-----------\n");
     pCategory->log(iPriority, "\t\t\t@_@ depth\tModule Name\t\tClass Name\t\t\tFunction Name \n");
     int iDepth = 1;
-    for (size_t uiEnd = strStack.find('$'); uiEnd != std::string::npos; uiEnd = strStack.find('$'))
+    size_t uiStart = 0;
+    for (size_t uiEnd = strStack.find('$'); uiEnd != std::string_view::npos; uiEnd = strStack.find('$', uiStart))
     {
         // Required: from the second frame on, the module's column starts with the blank that joins the frames.
         FrameName row;
-        SplitFrameName(strStack.substr(0, uiEnd), row);
-        pCategory->log(iPriority, "\t\t\t@_@ %d\t%s\t\t\t%s\t\t\t\t%s\n", iDepth, row.strModule.c_str(),
-                       row.strClass.c_str(), row.strFunction.c_str());
-        strStack.erase(0, uiEnd + 1);
+        SplitFrameName(strStack.substr(uiStart, uiEnd - uiStart), row);
+        pCategory->log(iPriority, "\t\t\t@_@ %d\t%.*s\t\t\t%.*s\t\t\t\t%.*s\n", iDepth, SIZED_TEXT(row.strModule),
+                       SIZED_TEXT(row.strClass), SIZED_TEXT(row.strFunction));
+        uiStart = uiEnd + 1;
         ++iDepth;
     }
     pCategory->log(iPriority, "\t\t\t@_@ ---------\tStack\tEnd\t-----------\n\n\n");

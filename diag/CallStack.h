@@ -7,4 +7,4 @@
 /// category is on. Called under the level function's handler and guard: it may throw.
 /// @param frame     the parts of the current frame.
 /// @param iPriority the message's priority; the category tests it again.
-void DumpCallStack(FrameName frame, int iPriority);
+void DumpCallStack(const FrameName& frame, int iPriority);

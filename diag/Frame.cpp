@@ -4,31 +4,37 @@
 
 #include <log4cpp/NDC.hh>
 
-std::string GetCurrentFrameName()
+#include <stdexcept>
+
+std::string_view GetCurrentFrameName()
 {
-    std::string strText = log4cpp::NDC::get();
+    const std::string& strStack = log4cpp::NDC::get();
     if (log4cpp::NDC::getDepth() <= 1)
     {
-        // Required: without a frame the search finds nothing and erase raises out_of_range; the caller's handler ends
-        // the log call, so that nothing is written outside every traced function.
-        strText.erase(strText.rfind('$'));
-        return strText;
+        const size_t uiEnd = strStack.rfind('$');
+        if (uiEnd == std::string::npos)
+        {
+            // Required: without a frame the caller's handler ends the log call, so that nothing is written outside
+            // every traced function.
+            throw std::out_of_range("no frame");
+        }
+        return std::string_view(strStack).substr(0, uiEnd);
     }
-    const size_t uiEnd = strText.size() - 1;
-    const size_t uiStart = strText.rfind('$', uiEnd - 1) + 2; // behind the "$" of the frame before and the blank
-    return strText.substr(uiStart, uiEnd - uiStart);
+    const size_t uiEnd = strStack.size() - 1;
+    const size_t uiStart = strStack.rfind('$', uiEnd - 1) + 2; // behind the "$" of the frame before and the blank
+    return std::string_view(strStack).substr(uiStart, uiEnd - uiStart);
 }
 
-int SplitFrameName(const std::string& strText, FrameName& frame)
+int SplitFrameName(std::string_view strText, FrameName& frame)
 {
     const size_t uiFirst = strText.find('.');
     const size_t uiLast = strText.rfind('.');
-    if (uiFirst == std::string::npos || uiLast == std::string::npos)
+    if (uiFirst == std::string_view::npos || uiLast == std::string_view::npos)
     {
         return -1;
     }
     frame.strModule = strText.substr(0, uiFirst);
-    frame.strClass = uiLast > uiFirst ? strText.substr(uiFirst + 1, uiLast - uiFirst - 1) : std::string();
+    frame.strClass = uiLast > uiFirst ? strText.substr(uiFirst + 1, uiLast - uiFirst - 1) : std::string_view();
     frame.strFunction = strText.substr(uiLast + 1);
     return 0;
 }
@@ -44,29 +50,37 @@ FrameName ReadCurrentFrame()
 log4cpp::Category* FindCategory(const FrameName& frame)
 {
     using log4cpp::Category;
-    const bool bClass = !frame.strClass.empty();
-    const std::string strOwner = bClass ? frame.strModule + '.' + frame.strClass : frame.strModule;
-    Category* pCategory = Category::exists(strOwner + '.' + frame.strFunction);
+    // One text that holds the function's name, then the class's, then the module's.
+    std::string strName;
+    strName.reserve(frame.strModule.size() + frame.strClass.size() + frame.strFunction.size() + 2);
+    strName = frame.strModule;
+    if (!frame.strClass.empty())
+    {
+        (strName += '.') += frame.strClass;
+    }
+    const size_t uiOwner = strName.size();
+    (strName += '.') += frame.strFunction;
+    Category* pCategory = Category::exists(strName);
     if (pCategory == nullptr)
     {
-        pCategory = Category::exists(strOwner);
+        strName.resize(uiOwner);
+        pCategory = Category::exists(strName);
     }
-    if (pCategory == nullptr && bClass)
+    if (pCategory == nullptr && !frame.strClass.empty())
     {
-        pCategory = Category::exists(frame.strModule);
+        strName.resize(frame.strModule.size());
+        pCategory = Category::exists(strName);
     }
     return pCategory;
 }
 
 bool FindLogTarget(LogTarget& target)
 {
-    std::string strText = GetCurrentFrameName();
-    if (!IsLogAllowed(strText))
+    target.frame = ReadCurrentFrame();
+    if (!IsLogAllowed(target.frame.strText))
     {
         return false;
     }
-    SplitFrameName(strText, target.frame);
-    target.frame.strText = std::move(strText);
     target.pCategory = FindCategory(target.frame);
     return true;
 }

@@ -9,28 +9,28 @@
 #include <log4cpp/Category.hh>
 
 #include <string>
+#include <string_view>
 
-/// A frame's text without the "$", and its parts. The class is empty for a free function.
+/// A frame's text without the "$", and its parts, which are views into the text that they were read from. The class is
+/// empty for a free function.
 struct FrameName
 {
-    std::string strText;
-    std::string strModule;
-    std::string strClass;
-    std::string strFunction;
-
-    /// The parts with an underscore between them, as START and End lines and event sources show them.
-    std::string Underscored() const { return strModule + '_' + strClass + '_' + strFunction; }
+    std::string_view strText;
+    std::string_view strModule;
+    std::string_view strClass;
+    std::string_view strFunction;
 };
 
-/// The text of the calling thread's topmost frame. Throws std::out_of_range when the thread has none.
-std::string GetCurrentFrameName();
+/// The text of the calling thread's topmost frame, a view into the thread's own NDC: it lasts until the frame is
+/// popped. Throws std::out_of_range when the thread has none.
+std::string_view GetCurrentFrameName();
 
 /// Splits a frame's text at its first and its last point.
 /// @param frame [out] the three parts; unchanged when there is no point. strText is left alone.
 /// @return 0, or -1 when there is no point.
-int SplitFrameName(const std::string& strText, FrameName& frame);
+int SplitFrameName(std::string_view strText, FrameName& frame);
 
-/// The calling thread's topmost frame with its parts. Throws std::out_of_range when the thread has none.
+/// The calling thread's topmost frame with its parts. Throws as GetCurrentFrameName.
 FrameName ReadCurrentFrame();
 
 /// The category of a function, or of its class, or of its module: the first that the configuration names, or null.
@@ -45,5 +45,5 @@ struct LogTarget
 
 /// Reads the topmost frame, asks the filter and finds the category. Throws std::out_of_range when the thread has no
 /// frame.
-/// @return false when the filter keeps the message back; target is then not filled.
+/// @return false when the filter keeps the message back; target has no category then.
 bool FindLogTarget(LogTarget& target);

@@ -38,6 +38,14 @@ struct Message
     char szText[kMessageChars];
 };
 
+/// A frame's parts with an underscore between them.
+std::string UnderscoredName(const FrameName& frame)
+{
+    std::string strName(frame.strModule);
+    ((strName += '_') += frame.strClass) += '_';
+    return strName += frame.strFunction;
+}
+
 /// Adds an NT event log appender to a category for one message: its event source bears the name of the function that
 /// logs. The category's own appenders are not touched.
 class EventLogScope
@@ -47,7 +55,7 @@ public:
     {
         if (bWanted)
         {
-            auto pAppender = std::make_unique<log4cpp::NTEventLogAppender>("NTEVENTLog", frame.Underscored());
+            auto pAppender = std::make_unique<log4cpp::NTEventLogAppender>("NTEVENTLog", UnderscoredName(frame));
             pAppender->setThreshold(kPriorityFatal);
             m_pCategory->addAppender(pAppender.get());
             m_pAppender = pAppender.release(); // the category owns it now
@@ -88,7 +96,7 @@ void WriteFatal(const LogTarget& target, const char* pszFormat, va_list argument
     OutputSwitches switches;
     // Required: the module's switches decide, not those of the category that was found, and without any the message is
     // dropped.
-    if (GetOutputSwitches(target.frame.strModule, switches) != 0)
+    if (GetOutputSwitches(std::string(target.frame.strModule), switches) != 0)
     {
         return;
     }

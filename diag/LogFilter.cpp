@@ -6,7 +6,7 @@
 
 LogFilter* logFilter = nullptr;
 
-bool IsLogAllowed(const std::string& strFrame)
+bool IsLogAllowed(std::string_view strFrame)
 {
     if (loggingDisabled)
     {
@@ -16,7 +16,7 @@ bool IsLogAllowed(const std::string& strFrame)
     {
         return true;
     }
-    const log4cpp::LoggingEvent event(std::string(), strFrame, std::string(), kPriorityDebug);
+    const log4cpp::LoggingEvent event(std::string(), std::string(strFrame), std::string(), kPriorityDebug);
     return logFilter->decide(event) != log4cpp::Filter::DENY;
 }
 

@@ -6,6 +6,7 @@
 #include <log4cpp/Filter.hh>
 
 #include <string>
+#include <string_view>
 
 /// One rule. It applies to a message whose frame text is "module.class.function", and has one of three shapes:
 ///   module, "*", "*"          every message of the module
@@ -38,4 +39,4 @@ extern LogFilter* logFilter;
 /// Whether the chain lets a message through: the first rule that applies decides, and without one the answer is yes.
 /// @param strFrame the frame text, as GetCurrentFrameName gives it.
 /// @return false also while logging is off.
-bool IsLogAllowed(const std::string& strFrame);
+bool IsLogAllowed(std::string_view strFrame);

@@ -24,6 +24,12 @@ int StartLogging(const char* pszConfigFile) noexcept
     try
     {
         const std::string strConfigFile = pszConfigFile != nullptr ? pszConfigFile : "";
+        if (strConfigFile.empty())
+        {
+            // The library would fail to open it. At the module's start its exception costs more than all the rest.
+            loggingDisabled = true;
+            return 0;
+        }
         LogConfigurator configurator;
         s_bLibraryUsed = true;
         log4cpp::PropertyConfigurator::configure(strConfigFile);

@@ -1,69 +1,92 @@
 #include "bench/floors/CapsFloor.h"
 
+#include "bench/floors/StoreFloor.h"
+
 #include <cstdio>
-#include <cstdlib>
+#include <cstring>
 #include <cwchar>
 
 namespace
 {
 
-/// The path of Config.ini and the lock on it, by the bare calls.
-struct FloorLock
+constexpr wchar_t kSection[] = L"DeviceCapabilities";
+
+struct ConfigPath
 {
-    FloorLock()
-    {
-        wchar_t szUser[257];
-        DWORD cchUser = 257;
-        GetUserNameW(szUser, &cchUser);
-        HKEY hKey = nullptr;
-        RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Vel-soft\\Client", 0, KEY_READ, &hKey);
-        wchar_t szFolder[260] = {};
-        DWORD cbFolder = sizeof(szFolder);
-        RegQueryValueExW(hKey, L"TempDir", nullptr, nullptr, reinterpret_cast<BYTE*>(szFolder), &cbFolder);
-        RegCloseKey(hKey);
-        _wmakepath(szPath, nullptr, szFolder, L"Config.ini", nullptr);
+    ConfigPath() { FloorConfigPath(szPath); }
+    wchar_t szPath[kFloorPathUnits];
+};
 
-        wchar_t szName[260] = {};
-        _wfullpath(szName, szPath, 260);
-        _wcslwr(szName);
-        for (wchar_t* p = szName; *p != L'\0'; ++p)
-        {
-            if (*p == L'\\')
-            {
-                *p = L'|';
-            }
-        }
-        hMutex = CreateMutexW(nullptr, FALSE, szName);
-        WaitForSingleObject(hMutex, INFINITE);
-    }
-    ~FloorLock()
-    {
-        ReleaseMutex(hMutex);
-        ReleaseMutex(hMutex); // the contract's second release
-        CloseHandle(hMutex);
-    }
+DWORD ReadNumber(const ConfigPath& path, const wchar_t* pszKey)
+{
+    return GetPrivateProfileIntW(kSection, pszKey, -1, path.szPath);
+}
 
-    wchar_t szPath[520] = {};
-    HANDLE hMutex;
+struct Key
+{
+    Key(const wchar_t* pszBaseKey, DWORD i) { _snwprintf(szKey, 256, L"%ls%d", pszBaseKey, static_cast<int>(i)); }
+    wchar_t szKey[256];
 };
 
 } // namespace
 
 DWORD FloorNumber(const wchar_t* pszKey)
 {
-    const FloorLock lock;
-    return GetPrivateProfileIntW(L"DeviceCapabilities", pszKey, -1, lock.szPath);
+    const ConfigPath path;
+    const FloorLock lock(path.szPath);
+    return ReadNumber(path, pszKey);
 }
 
 DWORD FloorWords(const wchar_t* pszCountKey, const wchar_t* pszBaseKey, WORD* pwOutput)
 {
-    const FloorLock lock;
-    const DWORD dwCount = GetPrivateProfileIntW(L"DeviceCapabilities", pszCountKey, -1, lock.szPath);
+    const ConfigPath path;
+    const FloorLock lock(path.szPath);
+    const DWORD dwCount = ReadNumber(path, pszCountKey);
     for (DWORD i = 0; i < dwCount; ++i)
     {
-        wchar_t szKey[256];
-        _snwprintf(szKey, 256, L"%ls%d", pszBaseKey, static_cast<int>(i));
-        pwOutput[i] = static_cast<WORD>(GetPrivateProfileIntW(L"DeviceCapabilities", szKey, -1, lock.szPath));
+        pwOutput[i] = static_cast<WORD>(ReadNumber(path, Key(pszBaseKey, i).szKey));
+    }
+    return dwCount;
+}
+
+DWORD FloorDwords(const wchar_t* pszCountKey, const wchar_t* pszBaseKey, DWORD* pdwOutput)
+{
+    const ConfigPath path;
+    const FloorLock lock(path.szPath);
+    const DWORD dwCount = ReadNumber(path, pszCountKey);
+    for (DWORD i = 0; i < dwCount; ++i)
+    {
+        pdwOutput[i] = ReadNumber(path, Key(pszBaseKey, i).szKey);
+    }
+    return dwCount;
+}
+
+DWORD FloorPairs(const wchar_t* pszCountKey, const wchar_t* pszBaseKeyX, const wchar_t* pszBaseKeyY, POINT* pstuOutput)
+{
+    const ConfigPath path;
+    const FloorLock lock(path.szPath);
+    const DWORD dwCount = ReadNumber(path, pszCountKey);
+    for (DWORD i = 0; i < dwCount; ++i)
+    {
+        pstuOutput[i].x = static_cast<LONG>(ReadNumber(path, Key(pszBaseKeyX, i).szKey));
+    }
+    for (DWORD i = 0; i < dwCount; ++i)
+    {
+        pstuOutput[i].y = static_cast<LONG>(ReadNumber(path, Key(pszBaseKeyY, i).szKey));
+    }
+    return dwCount;
+}
+
+DWORD FloorNames(const wchar_t* pszCountKey, const wchar_t* pszBaseKey, wchar_t* pszOutput, DWORD dwWidth)
+{
+    const ConfigPath path;
+    const FloorLock lock(path.szPath);
+    const DWORD dwCount = ReadNumber(path, pszCountKey);
+    for (DWORD i = 0; i < dwCount; ++i)
+    {
+        wchar_t szName[65] = {}; // one unit more than an entry has, so not into the entry itself
+        GetPrivateProfileStringW(kSection, Key(pszBaseKey, i).szKey, L"", szName, dwWidth + 1, path.szPath);
+        std::memcpy(pszOutput + size_t{i} * dwWidth, szName, dwWidth * sizeof(wchar_t));
     }
     return dwCount;
 }

@@ -1,11 +1,21 @@
 #pragma once
-/// The floor of capability queries: exactly the platform calls that the contract demands for one query, and nothing
-/// else. Folder and key names are given, no table is searched, nothing is logged.
+/// The floor of capability queries: the path of Config.ini, its lock, the reads of one answer. Key names are given, no
+/// table is searched.
 
 #include <windows.h>
 
-/// The user, the folder from the registry, the lock, one number, the lock given back.
+/// One number.
 DWORD FloorNumber(const wchar_t* pszKey);
 
-/// The same with a list of dwCount 16-bit numbers behind its count.
+/// A list of 16-bit numbers behind its count.
 DWORD FloorWords(const wchar_t* pszCountKey, const wchar_t* pszBaseKey, WORD* pwOutput);
+
+/// A list of 32-bit numbers.
+DWORD FloorDwords(const wchar_t* pszCountKey, const wchar_t* pszBaseKey, DWORD* pdwOutput);
+
+/// A list of pairs: all x, then all y.
+DWORD FloorPairs(const wchar_t* pszCountKey, const wchar_t* pszBaseKeyX, const wchar_t* pszBaseKeyY, POINT* pstuOutput);
+
+/// A list of names.
+/// @param dwWidth wide characters of an entry, 24 or 64.
+DWORD FloorNames(const wchar_t* pszCountKey, const wchar_t* pszBaseKey, wchar_t* pszOutput, DWORD dwWidth);

@@ -1,14 +1,16 @@
 #include "tests/common/BuiltModule.h"
+#include "tests/common/ClientFixture.h"
 #include "tests/common/Handles.h"
+#include "tests/common/HeapUse.h"
 #include "tests/common/PrivateRegistry.h"
 #include "tests/common/TempFolder.h"
 #include "tests/common/UserName.h"
 
 #include <catch2/catch.hpp>
 
-#include <psapi.h>
 #include <tlhelp32.h>
 
+#include <filesystem>
 #include <vector>
 
 namespace
@@ -58,15 +60,6 @@ size_t LoadedModules()
     return uiModules;
 }
 
-size_t PrivateBytes()
-{
-    PROCESS_MEMORY_COUNTERS_EX counters = {};
-    counters.cb = sizeof(counters);
-    REQUIRE(K32GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters),
-                                    sizeof(counters)));
-    return counters.PrivateUsage;
-}
-
 /// Loads the module, asks it two things, and unloads it. The second question makes it throw and catch inside.
 void UseOnce()
 {
@@ -111,7 +104,7 @@ TEST_CASE("5,000 loads and unloads leave indexes, modules, handles and memory as
     const size_t uiFls = FreeFlsIndexes();
     const size_t uiModules = LoadedModules();
     const size_t uiHandle = NextHandle();
-    const size_t cbPrivate = PrivateBytes();
+    const size_t cbHeap = HeapInUse();
     for (int i = 0; i < 5000; ++i)
     {
         UseOnce();
@@ -122,9 +115,34 @@ TEST_CASE("5,000 loads and unloads leave indexes, modules, handles and memory as
     CHECK(LoadedModules() == uiModules);
     CHECK(NextHandle() == uiHandle);
     // A block lost at each load, of whatever size, would show as more than this; less is the heap's own noise.
-    const size_t cbAfter = PrivateBytes();
-    CAPTURE(cbPrivate, cbAfter);
-    CHECK(cbAfter < cbPrivate + 5000 * 16);
+    const size_t cbAfter = HeapInUse();
+    CAPTURE(cbHeap, cbAfter);
+    CHECK(cbAfter < cbHeap + 5000 * 16);
+}
+
+TEST_CASE_METHOD(ClientFixture, "200 loads and unloads with a log leave handles and memory as before", "[driver][load]")
+{
+    const std::string strLog = std::filesystem::path(folder.File(L"log.txt")).string();
+    WriteFileBytes(folder.File(L"LogConfig.conf"), "rootCategory=ERROR\n"
+                                                   "category.VelUI_dll=DEBUG, log\n"
+                                                   "appender.log=FileAppender\n"
+                                                   "appender.log.fileName=" +
+                                                       strLog + "\n");
+    for (int i = 0; i < 20; ++i)
+    {
+        UseOnce();
+    }
+    const size_t uiHandle = NextHandle();
+    const size_t cbHeap = HeapInUse();
+    for (int i = 0; i < 200; ++i)
+    {
+        UseOnce();
+    }
+    CHECK(PathExists(folder.File(L"log.txt")));
+    CHECK(NextHandle() == uiHandle);
+    const size_t cbAfter = HeapInUse();
+    CAPTURE(cbHeap, cbAfter);
+    CHECK(cbAfter < cbHeap + 200 * 16);
 }
 
 TEST_CASE("the module can be unloaded while threads that used it go on", "[driver][load]")

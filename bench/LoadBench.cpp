@@ -1,0 +1,81 @@
+#include "bench/Benches.h"
+
+#include <psapi.h>
+
+namespace
+{
+
+constexpr double kBytesPerKiB = 1024;
+
+void LoadAndUnload(const std::wstring& strFile)
+{
+    FreeLibrary(LoadLibraryW(strFile.c_str()));
+}
+
+/// KiB of this process in memory, and KiB that are its own.
+struct Memory
+{
+    Memory()
+    {
+        PROCESS_MEMORY_COUNTERS counters = {};
+        GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof(counters));
+        dWorkingSet = static_cast<double>(counters.WorkingSetSize) / kBytesPerKiB;
+        dPagefile = static_cast<double>(counters.PagefileUsage) / kBytesPerKiB;
+    }
+    double dWorkingSet;
+    double dPagefile;
+};
+
+/// The number of the last of some new handles, which take the first free places of the process's table: it grows when
+/// handles are lost.
+double HandlePlace()
+{
+    HANDLE handles[16];
+    for (HANDLE& hEvent : handles)
+    {
+        hEvent = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    }
+    for (const HANDLE hEvent : handles)
+    {
+        CloseHandle(hEvent);
+    }
+    return static_cast<double>(reinterpret_cast<size_t>(handles[15])) / 4; // a handle's number is four times its place
+}
+
+/// What a file adds to the process while it is loaded, and what is left of it.
+void TellMemory(Table& table, const char* pszName, const std::wstring& strFile)
+{
+    const std::string strName = pszName;
+    const Memory before;
+    const HMODULE hModule = LoadLibraryW(strFile.c_str());
+    const Memory loaded;
+    FreeLibrary(hModule);
+    const Memory unloaded;
+    const double dPlace = HandlePlace();
+    for (int i = 0; i < 500; ++i)
+    {
+        LoadAndUnload(strFile);
+    }
+    const Memory later;
+    const Goal told = PlainGoal("KiB");
+    table.AddNumber(strName + ": working set, first load", loaded.dWorkingSet - before.dWorkingSet, told);
+    table.AddNumber(strName + ": own memory, first load", loaded.dPagefile - before.dPagefile, told);
+    table.AddNumber(strName + ": working set left by 500 loads", later.dWorkingSet - unloaded.dWorkingSet, told);
+    table.AddNumber(strName + ": handles left by 500 loads", HandlePlace() - dPlace, PlainGoal("handles"));
+}
+
+} // namespace
+
+void BenchLoad(Table& table)
+{
+    const std::wstring strEmpty = Beside(L"EmptyModule.dll");
+    const std::wstring strLog4cpp = Beside(L"EmptyWithLog4cpp.dll");
+    const std::wstring strOurs = Beside(L"VelUI.dll");
+    TellMemory(table, "EmptyModule.dll", strEmpty);
+    TellMemory(table, "VelUI.dll", strOurs);
+    table.Measure("load and unload", Repeat([&] { LoadAndUnload(strEmpty); }), Repeat([&] { LoadAndUnload(strOurs); }),
+                  RatioGoal(1.5));
+    table.Measure("of which log4cpp and the C++ run-time: an empty module with them",
+                  Repeat([&] { LoadAndUnload(strEmpty); }), Repeat([&] { LoadAndUnload(strLog4cpp); }),
+                  RatioGoal(kNoLimit));
+}
