@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <fstream>
+#include <stdexcept>
 
 namespace
 {
@@ -185,8 +186,12 @@ ResidentStandIn::ResidentStandIn(const BenchClient& client)
     startup.cb = sizeof(startup);
     CreateProcessW(path.c_str(), strCommand.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &m_process);
     // The module must find it by its walk, or it would start another one.
-    for (int i = 0; i < 500 && !Win32::IsProcessHostingModule(Pid(), path.wstring()); ++i)
+    for (int i = 0; !Win32::IsProcessHostingModule(Pid(), path.wstring()); ++i)
     {
+        if (i == 500)
+        {
+            throw std::runtime_error("the stand-in of the resident client does not run");
+        }
         Sleep(10);
     }
 }

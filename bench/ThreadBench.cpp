@@ -13,17 +13,26 @@ constexpr Goal kGoal = {Goal::Figure::Ratio, 1.10, "x", "x"};
 constexpr int kRounds = 101;
 constexpr double kRunNs = 20e6; ///< length of one run on one thread
 
+int Processors()
+{
+    SYSTEM_INFO info = {};
+    GetSystemInfo(&info);
+    return static_cast<int>(info.dwNumberOfProcessors);
+}
+
 /// One thread's share of a run, behind a gate that lets all threads go at once.
 struct Share
 {
     const Loop* pLoop;
     int iCalls;
     HANDLE hGate;
+    DWORD_PTR ulProcessor; ///< the mask of the one processor that the thread runs on
 };
 
 DWORD WINAPI RunShare(void* pShare)
 {
     const Share& share = *static_cast<const Share*>(pShare);
+    SetThreadAffinityMask(GetCurrentThread(), share.ulProcessor);
     WaitForSingleObject(share.hGate, INFINITE);
     (*share.pLoop)(share.iCalls);
     return 0;
@@ -34,9 +43,13 @@ DWORD WINAPI RunShare(void* pShare)
 double TimeThreads(const Loop& loop, int iCalls, int iThreads)
 {
     const HANDLE hGate = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    Share share = {&loop, iCalls / iThreads, hGate};
-    std::vector<HANDLE> threads;
+    std::vector<Share> shares;
     for (int i = 0; i < iThreads; ++i)
+    {
+        shares.push_back({&loop, iCalls / iThreads, hGate, DWORD_PTR{1} << (i % Processors())});
+    }
+    std::vector<HANDLE> threads;
+    for (Share& share : shares)
     {
         threads.push_back(CreateThread(nullptr, 0, &RunShare, &share, 0, nullptr));
     }
