@@ -13,7 +13,8 @@
 
 /// The state of the process and the thread that no entry point may change. What one does change, because it has to, is
 /// not here: the last error that DrvConvertDevMode and DrvDevicePropertySheets set, the handle of a tool that
-/// DrvPrinterEvent starts, and the right to debug, which the search for the resident client leaves enabled.
+/// DrvPrinterEvent starts, the right to debug, which the search for the resident client leaves enabled, and the
+/// fiber-local index that the module takes with its first C++ exception and gives back when it is unloaded.
 struct CallerState
 {
     CallerState()
@@ -21,8 +22,7 @@ struct CallerState
           iThreadPriority(GetThreadPriority(GetCurrentThread())),
           dwProcessPriority(GetPriorityClass(GetCurrentProcess())), dwThreadLocale(GetThreadLocale()),
           strLocale(std::setlocale(LC_ALL, nullptr)), wX87(X87Control()), uiSse(__builtin_ia32_stmxcsr() & ~kSseFlags),
-          bImpersonates(Impersonates()), dwTlsIndex(NextTlsIndex()), dwFlsIndex(NextFlsIndex()),
-          lApartment(Apartment()), uiHandle(NextHandle())
+          bImpersonates(Impersonates()), dwTlsIndex(NextTlsIndex()), lApartment(Apartment()), uiHandle(NextHandle())
     {}
 
     std::wstring strFolder;
@@ -35,7 +35,6 @@ struct CallerState
     unsigned uiSse;        ///< SSE's control bits, without the flags of what was computed
     bool bImpersonates;
     DWORD dwTlsIndex; ///< the one that a new thread-local place gets
-    DWORD dwFlsIndex; ///< the same for a fiber-local one
     LONG lApartment;  ///< the thread's COM state
     size_t uiHandle;  ///< the number that a new handle gets; a mutex that stays open has one too
 
@@ -58,12 +57,6 @@ private:
     {
         const DWORD dwIndex = TlsAlloc();
         TlsFree(dwIndex);
-        return dwIndex;
-    }
-    static DWORD NextFlsIndex()
-    {
-        const DWORD dwIndex = FlsAlloc(nullptr);
-        FlsFree(dwIndex);
         return dwIndex;
     }
     /// The apartment's type, or -1 without COM.
@@ -98,7 +91,6 @@ inline void CheckUnchanged(const CallerState& before, const CallerState& after, 
     CHECK(after.uiSse == before.uiSse);
     CHECK(after.bImpersonates == before.bImpersonates);
     CHECK(after.dwTlsIndex == before.dwTlsIndex);
-    CHECK(after.dwFlsIndex == before.dwFlsIndex);
     CHECK(after.lApartment == before.lApartment);
     CHECK((!bHandles || after.uiHandle == before.uiHandle));
 }

@@ -7,6 +7,8 @@ PrivateRegistry::PrivateRegistry()
     static LONG s_lNext = 0;
     m_strRoot = L"Software\\VelUITests\\" + std::to_wstring(GetCurrentProcessId()) + L"-" +
                 std::to_wstring(InterlockedIncrement(&s_lNext));
+    // A run that was ended leaves its view behind, and the platform gives process ids out again.
+    RegDeleteTreeW(HKEY_CURRENT_USER, m_strRoot.c_str());
     REQUIRE(RegCreateKeyExW(HKEY_CURRENT_USER, m_strRoot.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &m_hRoot,
                             nullptr) == ERROR_SUCCESS);
     CopyFromMachine(L"System\\CurrentControlSet\\Control\\ComputerName");
