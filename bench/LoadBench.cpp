@@ -1,4 +1,5 @@
 #include "bench/Benches.h"
+#include "tests/common/Handles.h"
 
 #include <psapi.h>
 
@@ -26,20 +27,10 @@ struct Memory
     double dPagefile;
 };
 
-/// The number of the last of some new handles, which take the first free places of the process's table: it grows when
-/// handles are lost.
+/// Grows by one with each handle that is lost; a handle's number is four times its place.
 double HandlePlace()
 {
-    HANDLE handles[16];
-    for (HANDLE& hEvent : handles)
-    {
-        hEvent = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    }
-    for (const HANDLE hEvent : handles)
-    {
-        CloseHandle(hEvent);
-    }
-    return static_cast<double>(reinterpret_cast<size_t>(handles[15])) / 4; // a handle's number is four times its place
+    return static_cast<double>(NextHandle()) / 4;
 }
 
 /// What a file adds to the process while it is loaded, and what is left of it.

@@ -27,15 +27,20 @@ public:
         }
         m_hModule = LoadLibraryW(File(L"VelUI.dll").c_str());
         REQUIRE(m_hModule != nullptr);
-        m_pfnEvent = reinterpret_cast<decltype(&DrvPrinterEvent)>(
+        const auto pfnEvent = reinterpret_cast<decltype(&DrvPrinterEvent)>(
             reinterpret_cast<void*>(GetProcAddress(m_hModule, "DrvPrinterEvent")));
-        REQUIRE(m_pfnEvent != nullptr);
+        REQUIRE(pfnEvent != nullptr);
+        m_event = pfnEvent;
     }
     ~DriverFolder() { FreeLibrary(m_hModule); }
     std::wstring File(const std::wstring& strName) const { return m_strFolder + L"\\" + strName; }
     BOOL Event(INT iEvent, const wchar_t* pszPrinter, DWORD dwFlags = 0) const
     {
-        return m_pfnEvent(const_cast<wchar_t*>(pszPrinter), iEvent, dwFlags, 0);
+        wchar_t* const pszName = const_cast<wchar_t*>(pszPrinter);
+        // A tool that is started leaves its process's handle open, which the checks around a call would see.
+        const decltype(&DrvPrinterEvent) pfnBare = m_event;
+        const bool bStarts = iEvent == PRINTER_EVENT_ADD_CONNECTION || iEvent == PRINTER_EVENT_DELETE;
+        return bStarts ? pfnBare(pszName, iEvent, dwFlags, 0) : m_event(pszName, iEvent, dwFlags, 0);
     }
     bool Ran(const wchar_t* pszTool, DWORD dwMilliseconds = 20000) const
     {
@@ -47,7 +52,7 @@ private:
     TempFolder m_temp;
     std::wstring m_strFolder;
     HMODULE m_hModule = nullptr;
-    decltype(&DrvPrinterEvent) m_pfnEvent = nullptr;
+    CheckedEntry<decltype(&DrvPrinterEvent)> m_event;
 };
 
 } // namespace

@@ -18,6 +18,8 @@ struct alignas(64) Wide
     int values[16];
 };
 thread_local Wide t_wide = {{1, 2, 3}};
+template <int i>
+thread_local int t_iNumbered = i;
 
 } // namespace
 
@@ -68,6 +70,19 @@ TEST_CASE("a thread's variable keeps its place while others come into use", "[su
         {}
         CHECK(pFirst == &t_iTemplated);
         CHECK(t_iTemplated == 42);
+    });
+}
+
+TEST_CASE("a thread's variable keeps its place and value when many more come into use", "[support][tls]")
+{
+    OnThread([] {
+        int* const pFirst = &t_iTemplated;
+        *pFirst = 17;
+        int iSum = t_iNumbered<1> + t_iNumbered<2> + t_iNumbered<3> + t_iNumbered<4> + t_iNumbered<5> + t_iNumbered<6>;
+        iSum += t_iNumbered<7> + t_iNumbered<8> + t_iNumbered<9> + t_iNumbered<10> + t_iNumbered<11> + t_iNumbered<12>;
+        CHECK(iSum == 78);
+        CHECK(pFirst == &t_iTemplated);
+        CHECK(*pFirst == 17);
     });
 }
 
