@@ -30,6 +30,7 @@ struct FaultFixture : ClientFixture
         WriteFileBytes(DevModeFile(), BytesOf(PlainRecord().stuDevmode));
         WriteFileBytes(folder.File(L"QPS@VEL_passport.dat"), "pass");
         WriteFileBytes(folder.File(L"lin_Message.dat"), "old");
+        DeleteFileW(folder.File(L"QPS@VEL_server.ini").c_str());
         WriteFileBytes(folder.File(L"QPS@VEL_defsetting.ini"), "[PrintSetting]\r\nDefaultNoWaterPrint=0\r\n");
     }
     std::wstring DevModeFile() const { return folder.File(L"QPS@VEL_DevMode.dat"); }

@@ -81,6 +81,8 @@ public:
 
     /// Whether a call has failed in this scope, or in the last one when none stands.
     static bool Reached() { return s_faultPlan.iCalls >= s_faultPlan.iFailing; }
+    /// Which call was the first to fail.
+    static int FirstFailing() { return s_faultPlan.iFailing; }
 
 private:
     ImportHook m_hook;

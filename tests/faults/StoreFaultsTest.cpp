@@ -42,6 +42,19 @@ bool IsStatus(DWORD dwStatus)
     return dwStatus == PSERR_OK || dwStatus == PSERR_FAILED;
 }
 
+/// Keys in a section of a profile file.
+int KeysIn(const std::wstring& strFile, const wchar_t* pszSection)
+{
+    wchar_t szKeys[1024] = {};
+    GetPrivateProfileSectionW(pszSection, szKeys, 1024, strFile.c_str());
+    int iKeys = 0;
+    for (const wchar_t* psz = szKeys; *psz != L'\0'; psz += wcslen(psz) + 1)
+    {
+        ++iKeys;
+    }
+    return iKeys;
+}
+
 struct StoreFaults : FaultFixture
 {
     template <typename Work>
@@ -180,14 +193,25 @@ TEST_CASE_METHOD(StoreFaults, "the store's writers survive each failure", "[faul
             // A failed flush leaves the stream's bytes to its close.
             return Bytes(L"lin_Message.dat") == (bWritten || Failed("fflush") ? "oldabc" : "old");
         });
-    Inject("MakeServerConfig", [] {
-        const ServerConfigInfo info = {1, 0, 1, 0};
-        return IsStatus(MakeServerConfig(&info));
-    });
-    Inject("MakeServerPlaceFile", [] {
-        const ServerPlace place = {L"server", {10, 0, 0, 1}, 1};
-        return IsStatus(MakeServerPlaceFile(&place));
-    });
+    // A write that fails leaves the keys in front of it and makes none behind it.
+    const auto hasKeys = [this](const wchar_t* pszFile, const wchar_t* pszSection, int iAll, bool bWritten) {
+        const int iInFront = Failed("WritePrivateProfileStringW") ? FaultScope::FirstFailing() - 1 : 0;
+        return KeysIn(folder.File(pszFile), pszSection) == (bWritten ? iAll : iInFront);
+    };
+    InjectWriter(
+        "MakeServerConfig",
+        [] {
+            const ServerConfigInfo info = {1, 0, 1, 0};
+            return MakeServerConfig(&info);
+        },
+        [&](bool bWritten) { return hasKeys(L"Config.ini", L"ServerConfig", 4, bWritten); });
+    InjectWriter(
+        "MakeServerPlaceFile",
+        [] {
+            const ServerPlace place = {L"server", {10, 0, 0, 1}, 1};
+            return MakeServerPlaceFile(&place);
+        },
+        [&](bool bWritten) { return hasKeys(L"QPS@VEL_server.ini", L"Server", 3, bWritten); });
     Inject("MakePrinterConfig", [] {
         const WORD papers[2] = {9, 8};
         const PrinterInfo info = {L"P", L"L", L"D"};
