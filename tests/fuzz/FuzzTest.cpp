@@ -380,6 +380,11 @@ void RunKind(const ClientFixture& client, const Kind& kind)
     for (unsigned long long ull = ullOne == kAll ? 0 : ullOne; ull < (ullOne == kAll ? ullCases : ullOne + 1); ++ull)
     {
         s_progress = {kind.pszName, ullSeed, ull};
+        if (bLong && ull != 0 && ull % (kind.ullLong / 100) == 0)
+        {
+            std::printf("%s: %llu of %llu cases\n", kind.pszName, ull, ullCases);
+            std::fflush(stdout);
+        }
         try
         {
             kind.pfnRun(ullSeed, ull);
