@@ -2,6 +2,8 @@
 
 #include <catch2/catch.hpp>
 
+#include <cstdio>
+
 ChildProcess::ChildProcess(const std::wstring& strProgram, const std::vector<std::wstring>& arguments)
 {
     std::wstring strLine = L"\"" + strProgram + L"\"";
@@ -11,8 +13,19 @@ ChildProcess::ChildProcess(const std::wstring& strProgram, const std::vector<std
     }
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
-    REQUIRE(CreateProcessW(strProgram.c_str(), strLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                           &m_process));
+    const auto start = [&] {
+        return CreateProcessW(strProgram.c_str(), strLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                              &startup, &m_process) != FALSE;
+    };
+    bool bStarted = start();
+    if (!bStarted)
+    {
+        // Once in some thousands of starts under load Wine itself fails.
+        std::printf("a child could not be started, error %lu; once more\n", GetLastError());
+        bStarted = start();
+    }
+    INFO("CreateProcessW, last error " << GetLastError());
+    REQUIRE(bStarted);
 }
 
 ChildProcess::~ChildProcess()
