@@ -1,7 +1,7 @@
 #include "bench/BenchClient.h"
 
 #include "settings/DriverDevmode.h"
-#include "support/ProcessWalk.h"
+#include "support/ProcessUtilities.h"
 
 #include <chrono>
 #include <fstream>

@@ -1,7 +1,7 @@
 #pragma once
 /// The client that is measured with: folders, a registry view that names them, and a resident client that runs.
 
-#include "support/PrinterInterface.h"
+#include "support/module/PrinterInterface.h"
 
 #include <windows.h>
 

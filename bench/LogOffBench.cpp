@@ -65,19 +65,16 @@ void BenchLogOff(Table& table)
             std::abort();
         }
     });
-    const Loop line = Repeat([] { LOG_ERROR_WORDS("GetClientFolder failed."); });
+    const Loop line = Repeat([] { LOG_ERROR("GetClientFolder failed."); });
     const Loop result = Repeat([] {
         const int iReturn = 1;
-        LOG_RESULT(iReturn);
+        LOG_RESULT("iReturn", iReturn);
     });
-    const Loop scope = Repeat([] { TRACE_FUNCTION("Bench"); });
+    const Loop scope = Repeat([] { const FunctionScope scope("Bench"); });
     const Loop argument = Repeat([] {
         const int iArgument = 1;
-        TRACE_FUNCTION("Bench");
-        if (IsFatalEnabled())
-        {
-            TRACE_ARGUMENT(iArgument);
-        }
+        FunctionScope scope("Bench");
+        TRACE_ARGUMENTS(scope, iArgument);
     });
     MeasureOff(table, "logging off: a predicate", predicate, kPredicateGoal);
     MeasureOff(table, "logging off: a predicate and its line", line, kPredicateGoal);

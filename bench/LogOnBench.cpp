@@ -69,15 +69,15 @@ private:
 
 void BenchLines(Pair& pair)
 {
-    TRACE_FUNCTION("VelUtility::GetClientFolder");
+    const FunctionScope scope("VelUtility::GetClientFolder");
     pair.Measure(
         "error line with words",
         [](log4cpp::Category& bare) { FloorWordsLine(bare, kPriorityError, "ERROR", kSourceModule, __LINE__, kWords); },
-        [] { LOG_ERROR_WORDS(kWords); });
+        [] { LOG_ERROR("%s", kWords); });
     pair.Measure(
         "debug line with words",
         [](log4cpp::Category& bare) { FloorWordsLine(bare, kPriorityDebug, "DEBUG", kSourceModule, __LINE__, kWords); },
-        [] { LOG_DEBUG_WORDS(kWords); });
+        [] { LOG_DEBUG("%s", kWords); });
     pair.Measure(
         "debug line with a wide text",
         [](log4cpp::Category& bare) { FloorWideLine(bare, kSourceModule, __LINE__, kFolder); },
@@ -89,11 +89,11 @@ void BenchLines(Pair& pair)
         "result line", [](log4cpp::Category& bare) { FloorResultLine(bare, kSourceModule, __LINE__, 1); },
         [] {
             const int lReturn = 1;
-            LOG_RESULT(lReturn);
+            LOG_RESULT("lReturn", lReturn);
         });
     pair.Measure(
         "trace pair", [](log4cpp::Category& bare) { FloorTracePair(bare, "VelUtility::SubCmpCaps_Rtn"); },
-        [] { TRACE_FUNCTION("VelUtility::SubCmpCaps_Rtn"); });
+        [] { const FunctionScope scope("VelUtility::SubCmpCaps_Rtn"); });
 }
 
 } // namespace

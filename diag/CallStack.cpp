@@ -1,11 +1,11 @@
 #include "diag/CallStack.h"
 
-#include "diag/Log.h"
+#include "diag/Frame.h"
 #include "diag/OutputSwitches.h"
-#include "diag/Quietly.h"
-#include "diag/ThreadNdc.h"
 
 #include <log4cpp/NDC.hh>
+
+#include <atomic>
 
 namespace
 {
@@ -38,6 +38,28 @@ std::string FrameText(std::string_view strModule, std::string_view strClass, std
     (strText += strModule) += '.';
     (strText += strClass) += '.';
     return (strText += strFunction) += '$';
+}
+
+/// Thread-local places that a process can have: the 64 that Windows promises and 1,024 more.
+constexpr DWORD kTlsPlaces = TLS_MINIMUM_AVAILABLE + 1024;
+
+/// Where log4cpp keeps its NDC on every thread; kTlsPlaces until it was found.
+std::atomic<DWORD> s_dwPlace{kTlsPlaces};
+
+bool HoldsAt(DWORD dwPlace, const void* pObject)
+{
+    return dwPlace < kTlsPlaces && TlsGetValue(dwPlace) == pObject;
+}
+
+/// @return the thread-local place that holds an object on this thread, or kTlsPlaces when none does.
+DWORD FindPlace(const void* pObject)
+{
+    DWORD dwPlace = 0;
+    while (dwPlace < kTlsPlaces && !HoldsAt(dwPlace, pObject))
+    {
+        ++dwPlace;
+    }
+    return dwPlace;
 }
 
 } // namespace
@@ -94,7 +116,8 @@ void DumpCallStack(const FrameName& frame, int iPriority)
     size_t uiStart = 0;
     for (size_t uiEnd = strStack.find('$'); uiEnd != std::string_view::npos; uiEnd = strStack.find('$', uiStart))
     {
-        // Required: from the second frame on, the module's column starts with the blank that joins the frames.
+        // Required: from the second frame on, the module's column starts with the blank that joins the frames:
+        // the text is shown as log4cpp holds it.
         FrameName row;
         SplitFrameName(strStack.substr(uiStart, uiEnd - uiStart), row);
         pCategory->log(iPriority, "\t\t\t@_@ %d\t%.*s\t\t\t%.*s\t\t\t\t%.*s\n", iDepth, SIZED_TEXT(row.strModule),
@@ -103,4 +126,19 @@ void DumpCallStack(const FrameName& frame, int iPriority)
         ++iDepth;
     }
     pCategory->log(iPriority, "\t\t\t@_@ ---------\tStack\tEnd\t-----------\n\n\n");
+}
+
+void FreeThreadNdc()
+{
+    log4cpp::NDC* const pNdc = &log4cpp::NDC::getNDC();
+    pNdc->clear();
+    if (!HoldsAt(s_dwPlace, pNdc))
+    {
+        s_dwPlace = FindPlace(pNdc);
+    }
+    // A library that keeps it elsewhere is left alone: an empty NDC is a few words.
+    if (HoldsAt(s_dwPlace, pNdc) && TlsSetValue(s_dwPlace, nullptr))
+    {
+        delete pNdc;
+    }
 }

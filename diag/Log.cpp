@@ -1,17 +1,26 @@
 #include "diag/Log.h"
 
-#include "diag/CallStack.h"
+#include "diag/Frame.h"
+#include "diag/LogConfigurator.h"
 #include "diag/OutputSwitches.h"
-#include "diag/Quietly.h"
 
+#include <log4cpp/Category.hh>
+#include <log4cpp/HierarchyMaintainer.hh>
 #include <log4cpp/NTEventLogAppender.hh>
+#include <log4cpp/PropertyConfigurator.hh>
 
+#include <algorithm>
 #include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <string>
 
 namespace
 {
+
+/// Whether a start has handed the library anything. A start that failed half way has, and leaves logging off.
+bool s_bLibraryUsed = false;
 
 /// Characters of a message, and again of a message with its head; the terminator is one of them. What is longer is cut.
 constexpr size_t kMessageChars = 800;
@@ -20,13 +29,10 @@ constexpr size_t kMessageChars = 800;
 struct Level
 {
     int iPriority;
-    const char* pszWord;
+    const char* pszWord; ///< behind the thread's number at the head of a message
     bool bDumpsStack;
+    void (*pfnWrite)(const LogTarget& target, const Level& level, const char* pszFormat, va_list arguments);
 };
-constexpr Level kDebug = {kPriorityDebug, "DEBUG", true};
-constexpr Level kInfo = {kPriorityInfo, "INFO", false};
-constexpr Level kWarning = {kPriorityWarn, "WARNING", false};
-constexpr Level kError = {kPriorityError, "ERROR", true};
 
 /// A message's own text, from the caller's format.
 struct Message
@@ -83,7 +89,7 @@ void WriteLevel(const LogTarget& target, const Level& level, const char* pszForm
     _snprintf_s(szLine, kMessageChars, _TRUNCATE, "[ThreadID:%lu] %s - %s", GetCurrentThreadId(), level.pszWord,
                 message.szText);
     // Required: the composed line is the format, so that it passes through formatting a second time and a percent sign
-    // in it is read as a conversion.
+    // in it is read as a conversion: a line must look the same whichever version of the module has written it.
     target.pCategory->log(level.iPriority, szLine);
     if (level.bDumpsStack)
     {
@@ -91,22 +97,23 @@ void WriteLevel(const LogTarget& target, const Level& level, const char* pszForm
     }
 }
 
-void WriteFatal(const LogTarget& target, const char* pszFormat, va_list arguments)
+void WriteFatal(const LogTarget& target, const Level& level, const char* pszFormat, va_list arguments)
 {
     OutputSwitches switches;
     // Required: the module's switches decide, not those of the category that was found, and without any the message is
-    // dropped.
+    // dropped, so that one key of the configuration governs the event log for the whole module.
     if (GetOutputSwitches(std::string(target.frame.strModule), switches) != 0)
     {
         return;
     }
     const EventLogScope eventLog(target.pCategory, target.frame, switches.outputNTEventLog);
     const Message message(pszFormat, arguments);
-    target.pCategory->fatal("[ThreadID:%lu] FATAL - %s", GetCurrentThreadId(), message.szText);
-    DumpCallStack(target.frame, kPriorityFatal);
+    target.pCategory->log(level.iPriority, "[ThreadID:%lu] %s - %s", GetCurrentThreadId(), level.pszWord,
+                          message.szText);
+    DumpCallStack(target.frame, level.iPriority);
 }
 
-void WriteParam(const LogTarget& target, const char* pszFormat, va_list arguments)
+void WriteParam(const LogTarget& target, const Level& level, const char* pszFormat, va_list arguments)
 {
     OutputSwitches switches;
     if (GetOutputSwitches(target.pCategory->getName(), switches) != 0 || !switches.outputParam)
@@ -114,25 +121,97 @@ void WriteParam(const LogTarget& target, const char* pszFormat, va_list argument
         return;
     }
     const Message message(pszFormat, arguments);
-    // At the most urgent priority: the switch decides, not the category's priority.
-    target.pCategory->log(kPriorityFatal, "[ThreadID:%lu] Param - %s", GetCurrentThreadId(), message.szText);
+    target.pCategory->log(level.iPriority, "[ThreadID:%lu] %s - %s", GetCurrentThreadId(), level.pszWord,
+                          message.szText);
 }
+
+constexpr Level kDebug = {kPriorityDebug, "DEBUG", true, &WriteLevel};
+constexpr Level kInfo = {kPriorityInfo, "INFO", false, &WriteLevel};
+constexpr Level kWarning = {kPriorityWarn, "WARNING", false, &WriteLevel};
+constexpr Level kError = {kPriorityError, "ERROR", true, &WriteLevel};
+constexpr Level kFatal = {kPriorityFatal, "FATAL", true, &WriteFatal};
+// At the most urgent priority: the switch decides, not the category's priority.
+constexpr Level kParam = {kPriorityFatal, "Param", false, &WriteParam};
 
 /// What all level functions share: the frame, the filter and the category of the running function in front of the
 /// writing. Nothing is written when the thread has no frame or the configuration no category for it.
-template <typename Write>
-void WithTarget(Write write) noexcept
+void WriteMessage(const Level& level, const char* pszFormat, va_list arguments) noexcept
 {
-    Quietly([&write] {
+    Quietly([&] {
         LogTarget target;
         if (FindLogTarget(target) && target.pCategory != nullptr)
         {
-            write(target);
+            level.pfnWrite(target, level, pszFormat, arguments);
         }
     });
 }
 
+constexpr long kBytesPerLine = 16;
+/// Characters of a full line, the terminator among them, with some to spare.
+constexpr size_t kLineChars = 60;
+
+/// Writes bytes as hexadecimal digits, a blank between two of them and two blanks in the middle of a full line.
+/// @param lCount 1 to 16.
+void FormatHexLine(char (&szLine)[kLineChars], const unsigned char* pbyBytes, long lCount)
+{
+    size_t uiUsed = 0;
+    for (long lIndex = 0; lIndex < lCount; ++lIndex)
+    {
+        const char* const pszGap = lIndex == 0 ? "" : lIndex == kBytesPerLine / 2 ? "  " : " ";
+        uiUsed +=
+            _snprintf_s(szLine + uiUsed, kLineChars - uiUsed, _TRUNCATE, "%s%02X", pszGap, unsigned{pbyBytes[lIndex]});
+    }
+}
+
 } // namespace
+
+int StartLogging(const char* pszConfigFile) noexcept
+{
+    const ErrorStateGuard guard;
+    try
+    {
+        const std::string strConfigFile = pszConfigFile != nullptr ? pszConfigFile : "";
+        if (strConfigFile.empty())
+        {
+            // The library would fail to open it. At the module's start its exception costs more than all the rest.
+            loggingDisabled = true;
+            return 0;
+        }
+        LogConfigurator configurator;
+        s_bLibraryUsed = true;
+        log4cpp::PropertyConfigurator::configure(strConfigFile);
+        configurator.configure(strConfigFile);
+        logFilter = configurator.getFilter();
+        loggingDisabled = false;
+    }
+    catch (...)
+    {
+        loggingDisabled = true;
+    }
+    return 0;
+}
+
+void StopLogging() noexcept
+{
+    if (!s_bLibraryUsed)
+    {
+        return;
+    }
+    Quietly([] {
+        const bool bWasOn = !loggingDisabled;
+        // Off first: a call that comes from now on must not meet a library that is being taken down.
+        loggingDisabled = true;
+        s_bLibraryUsed = false;
+        // Takes the appenders off the categories and deletes them, then the categories themselves; also those of a
+        // start that failed half way, whose log file would stay open.
+        log4cpp::Category::shutdownForced();
+        log4cpp::HierarchyMaintainer::getDefaultMaintainer().deleteAllCategories();
+        if (bWasOn)
+        {
+            FreeThreadNdc();
+        }
+    });
+}
 
 int IsPriorityEnabled(int iPriority) noexcept
 {
@@ -146,42 +225,68 @@ int IsPriorityEnabled(int iPriority) noexcept
 }
 
 // A level function's body. A macro, as only the function itself can reach its own variable arguments.
-#define WRITE_WITH_TARGET(...)                                                                                         \
-    if (loggingDisabled)                                                                                               \
+#define WRITE_MESSAGE(level)                                                                                           \
+    do                                                                                                                 \
     {                                                                                                                  \
-        return;                                                                                                        \
-    }                                                                                                                  \
-    va_list arguments;                                                                                                 \
-    va_start(arguments, pszFormat);                                                                                    \
-    WithTarget([&](const LogTarget& target) { __VA_ARGS__; });                                                         \
-    va_end(arguments)
+        if (!loggingDisabled)                                                                                          \
+        {                                                                                                              \
+            va_list arguments;                                                                                         \
+            va_start(arguments, pszFormat);                                                                            \
+            WriteMessage(level, pszFormat, arguments);                                                                 \
+            va_end(arguments);                                                                                         \
+        }                                                                                                              \
+    } while (false)
 
 void LogDebug(const char* pszFormat, ...) noexcept
 {
-    WRITE_WITH_TARGET(WriteLevel(target, kDebug, pszFormat, arguments));
+    WRITE_MESSAGE(kDebug);
 }
 
 void LogInfo(const char* pszFormat, ...) noexcept
 {
-    WRITE_WITH_TARGET(WriteLevel(target, kInfo, pszFormat, arguments));
+    WRITE_MESSAGE(kInfo);
 }
 
 void LogWarning(const char* pszFormat, ...) noexcept
 {
-    WRITE_WITH_TARGET(WriteLevel(target, kWarning, pszFormat, arguments));
+    WRITE_MESSAGE(kWarning);
 }
 
 void LogError(const char* pszFormat, ...) noexcept
 {
-    WRITE_WITH_TARGET(WriteLevel(target, kError, pszFormat, arguments));
+    WRITE_MESSAGE(kError);
 }
 
 void LogFatal(const char* pszFormat, ...) noexcept
 {
-    WRITE_WITH_TARGET(WriteFatal(target, pszFormat, arguments));
+    WRITE_MESSAGE(kFatal);
 }
 
 void LogParam(const char* pszFormat, ...) noexcept
 {
-    WRITE_WITH_TARGET(WriteParam(target, pszFormat, arguments));
+    WRITE_MESSAGE(kParam);
+}
+
+void LogBufferDump(const char* pszTitle, const void* pBuffer, long lLength, LogFunction pfnLog) noexcept
+{
+    if (loggingDisabled)
+    {
+        return;
+    }
+    Quietly([=] {
+        pfnLog(pszTitle);
+        const auto uiLowBits = static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(pBuffer));
+        pfnLog("Address=0X%08X Length=%ld\n", uiLowBits, lLength);
+        if (pBuffer == nullptr)
+        {
+            return;
+        }
+        const auto* const pbyBytes = static_cast<const unsigned char*>(pBuffer);
+        for (long lDone = 0; lDone < lLength; lDone += kBytesPerLine)
+        {
+            char szLine[kLineChars] = {};
+            FormatHexLine(szLine, pbyBytes + lDone, std::min(kBytesPerLine, lLength - lDone));
+            pfnLog("%s\n", szLine);
+        }
+    });
 }

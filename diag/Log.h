@@ -8,29 +8,8 @@
 ///
 /// Formats are msvcrt's (%S for wide text, %p, %I64u), and everything is narrow.
 
-#include <string>
-
-/// The tag that every trace scope of this module carries, and the name of its log category.
-inline constexpr char kModuleTag[] = "VelUI_dll";
-
-/// True while logging is off: from load until a configuration has been read, and for the whole life of a process that
-/// has none. Written only by StartLogging and StopLogging, under the loader's lock; read without a lock.
-extern bool loggingDisabled;
-static_assert(sizeof(bool) == 1, "loggingDisabled is one byte");
-
-/// Priorities, in log4cpp's numbers: the lower, the more urgent.
-enum LogPriority : int
-{
-    kPriorityFatal = 0,
-    kPriorityEmerg = 0,
-    kPriorityAlert = 100,
-    kPriorityCrit = 200,
-    kPriorityError = 300,
-    kPriorityWarn = 400,
-    kPriorityNotice = 500,
-    kPriorityInfo = 600,
-    kPriorityDebug = 700,
-};
+#include "diag/CallStack.h"
+#include "diag/LogRules.h"
 
 /// Reads the log configuration and switches logging on.
 /// @param pszConfigFile full name of the configuration file in the system's code page; may be empty or null, and then,
@@ -103,39 +82,3 @@ using LogFunction = void (*)(const char* pszFormat, ...) noexcept;
 /// @param pBuffer  borrowed; may be null.
 /// @param lLength  bytes at pBuffer.
 void LogBufferDump(const char* pszTitle, const void* pBuffer, long lLength, LogFunction pfnLog) noexcept;
-
-/// Opens and closes a frame of the thread's call stack; called only while logging is on.
-void PushTraceFrame(const char* pszModuleTag, const char* pszClassName, const char* pszFunctionName) noexcept;
-void PopTraceFrame() noexcept;
-
-/// Marks the entry of a function. Each string may be null, which counts as empty.
-inline void TraceFunctionBegin(const char* pszModuleTag, const char* pszClassName, const char* pszFunctionName) noexcept
-{
-    if (!loggingDisabled)
-    {
-        PushTraceFrame(pszModuleTag, pszClassName, pszFunctionName);
-    }
-}
-
-/// Marks the end of the function that was entered last.
-inline void TraceFunctionEnd() noexcept
-{
-    if (!loggingDisabled)
-    {
-        PopTraceFrame();
-    }
-}
-
-/// Keeps TraceFunctionBegin and TraceFunctionEnd paired on every way out of a scope, an exception included.
-class TraceScope
-{
-public:
-    /// @param pszFunctionName literal; the scope's name in the call stack.
-    explicit TraceScope(const char* pszFunctionName) noexcept
-    {
-        TraceFunctionBegin(kModuleTag, nullptr, pszFunctionName);
-    }
-    ~TraceScope() { TraceFunctionEnd(); }
-    TraceScope(const TraceScope&) = delete;
-    TraceScope& operator=(const TraceScope&) = delete;
-};

@@ -37,7 +37,8 @@ void LogConfigurator::ReadLines(std::istream& lines)
 {
     Rule rule;
     char szLine[kLineChars];
-    // Required: a line that does not fit sets the stream's failure, and so ends the reading.
+    // Required: a line that does not fit sets the stream's failure, and so ends the reading. What stands behind it has
+    // never been in force.
     while (lines.getline(szLine, kLineChars))
     {
         std::string strLine = szLine;
@@ -53,7 +54,8 @@ void LogConfigurator::ReadLines(std::istream& lines)
         {
             ApplySwitch(name.pszName, strKey, strValue);
         }
-        // Required: the word may stand anywhere, in the value too, so that "module=myfilter" counts as a rule's key.
+        // Required: the word may stand anywhere, in the value too, so that "module=myfilter" counts as a rule's key;
+        // a configuration with such a line must not change its meaning.
         if (strLine.find("filter") != std::string::npos)
         {
             ApplyFilterKey(rule, strKey, strValue);
@@ -82,7 +84,7 @@ void LogConfigurator::ApplySwitch(const char* pszSwitch, std::string strKey, std
 void LogConfigurator::ApplyFilterKey(Rule& rule, std::string strKey, const std::string& strValue)
 {
     const size_t uiPoint = strKey.find('.');
-    // Required: the prefix may be missing.
+    // Required: the prefix may be missing; a configuration without it must not change its meaning.
     if (uiPoint != std::string::npos && strKey.compare(0, uiPoint, "filter") == 0)
     {
         strKey.erase(0, uiPoint + 1);
@@ -105,7 +107,8 @@ void LogConfigurator::ApplyFilterKey(Rule& rule, std::string strKey, const std::
             ++rule.iKeysSeen;
         }
     }
-    // Required: lines are counted, not different keys, and the strings stay for the next rule.
+    // Required: lines are counted, not different keys, and the strings stay for the next rule, so that it need only say
+    // what is different.
     if (rule.iKeysSeen == kKeysOfRule)
     {
         AddFilter(rule);

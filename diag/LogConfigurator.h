@@ -43,6 +43,7 @@ private:
     void ApplyFilterKey(Rule& rule, std::string strKey, const std::string& strValue);
     void AddFilter(const Rule& rule);
 
-    [[maybe_unused]] bool m_bOptions[3] = {}; // Required: three options that nothing reads.
+    [[maybe_unused]] bool m_bOptions[3] =
+        {}; // Required: three options that nothing reads, kept for the configurator's layout.
     LogFilter* m_pFilter = nullptr;
 };

@@ -39,7 +39,7 @@ log4cpp::Filter::Decision LogFilter::_decide(const log4cpp::LoggingEvent& event)
     const bool bAnyClass = m_strClass == "*";
     const bool bAnyFunction = m_strFunction == "*";
     // Required: "*" means any in the three shapes only; "*" for the module, or for the class beside a named function,
-    // never applies.
+    // never applies. A rule of such a shape, once written, must not begin to keep messages back.
     if (m_strModule == "*" || (bAnyClass && !bAnyFunction))
     {
         return NEUTRAL;

@@ -1,11 +1,12 @@
+#include "driver/PrinterEvent.h"
+
 #include "diag/LogSite.h"
-#include "driver/DependsFile.h"
-#include "support/ModuleTexts.h"
-#include "support/PrinterInterface.h"
+#include "support/module/ModuleTexts.h"
 
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/trim.hpp>
 
+#include <cstdlib>
 #include <process.h>
 
 VELUI_SOURCE_MODULE("VelUI");
@@ -20,7 +21,9 @@ constexpr wchar_t kOwnCopySuffix[] = L"\\VelPrinter,LocalsplOnly";
 void StartTool(const wchar_t* pszFileName)
 {
     const std::wstring strPath = MakeDependsFilePath(g_hModule, pszFileName);
-    // Required: the path is not quoted, and the process handle that the call returns is neither waited on nor closed.
+    // Required: the path is not quoted, which the tools' own names and the spooler's driver folder bear, both without a
+    // blank. The process handle that the call returns is neither waited on nor closed: the spooler's event must not
+    // take as long as the tool, and its end matters to nobody here.
     _wspawnl(_P_NOWAIT, strPath.c_str(), strPath.c_str(), static_cast<const wchar_t*>(nullptr));
 }
 
@@ -28,7 +31,7 @@ void StartTool(const wchar_t* pszFileName)
 void OnAddConnection(const wchar_t* pszPrinterName)
 {
     const std::wstring strFile = MakeDependsFilePath(g_hModule, L"velinfo.ini");
-    // Required: a failure is not even logged.
+    // Required: a failure is not even logged: the tool starts all the same, and tells by itself when it finds no name.
     WritePrivateProfileStringW(L"PrinterConnection", L"PrinterName", pszPrinterName, strFile.c_str());
     StartTool(L"velup.exe");
 }
@@ -51,7 +54,7 @@ struct EventRow
     void (*pfnAct)(const wchar_t* pszPrinterName); ///< null for an event that is only logged
 };
 
-// Required: the opposite of an added connection does nothing.
+// Required: the opposite of an added connection does nothing: what velup.exe has set up stays for the next connection.
 constexpr EventRow kEvents[] = {
     {"PRINTER_EVENT_CONFIGURATION_CHANGE", nullptr},
     {"PRINTER_EVENT_ADD_CONNECTION", &OnAddConnection},
@@ -65,38 +68,39 @@ constexpr EventRow kEvents[] = {
 
 } // namespace
 
-/// Takes note of an event in the printer's life. An added connection is recorded in velinfo.ini and starts velup.exe;
-/// the end of the local spooler's own copy starts veldel.exe.
-/// @param Flags  only gathered for the log; no flag changes anything.
-/// @param lParam not looked at.
-/// @return 1 always: a printer event can't fail here.
-extern "C" BOOL WINAPI DrvPrinterEvent(LPWSTR pPrinterName, INT DriverEvent, DWORD Flags, LPARAM /*lParam*/)
+// No trace scope: the lines belong to the entry point.
+void HandlePrinterEvent(const wchar_t* pPrinterName, INT DriverEvent)
 {
-    TRACE_FUNCTION("DrvPrinterEvent");
-    if (IsFatalEnabled())
-    {
-        TRACE_ARGUMENT(pPrinterName);
-        TRACE_ARGUMENT(DriverEvent);
-        TRACE_ARGUMENT(Flags);
-    }
-    LOG_INVOKED();
     LOG_DEBUG("pPrinterName = %S", pPrinterName);
-
-    const BOOL bReturn = 1;
-    if (DriverEvent >= 0 && DriverEvent < static_cast<int>(sizeof(kEvents) / sizeof(kEvents[0])))
-    {
-        const EventRow& row = kEvents[DriverEvent];
-        LOG_INFO("DriverEvent = %s", row.pszName);
-        if (row.pfnAct != nullptr)
-        {
-            row.pfnAct(pPrinterName);
-        }
-    }
-    else
+    if (DriverEvent < 0 || DriverEvent >= static_cast<int>(std::size(kEvents)))
     {
         LOG_INFO("DriverEvent = %d", DriverEvent);
+        return;
     }
+    const EventRow& row = kEvents[DriverEvent];
+    LOG_INFO("DriverEvent = %s", row.pszName);
+    if (row.pfnAct != nullptr)
+    {
+        row.pfnAct(pPrinterName);
+    }
+}
 
-    LOG_RESULT(bReturn);
-    return bReturn;
+std::wstring MakeDependsFilePath(HMODULE hModule, const wchar_t* pszFileName)
+{
+    const FunctionScope scope("MakeDependsFilePath");
+    // The result of the call is not tested: without a name the file's own is all that is left.
+    wchar_t szModuleFile[MAX_PATH] = {};
+    GetModuleFileNameW(hModule, szModuleFile, MAX_PATH);
+    LOG_DEBUG("szModuleFile = %S", szModuleFile);
+
+    wchar_t szDrive[_MAX_DRIVE] = {};
+    wchar_t szFolder[_MAX_DIR] = {};
+    _wsplitpath_s(szModuleFile, szDrive, _MAX_DRIVE, szFolder, _MAX_DIR, nullptr, 0, nullptr, 0);
+    wchar_t szName[_MAX_FNAME] = {};
+    wchar_t szExtension[_MAX_EXT] = {};
+    _wsplitpath_s(pszFileName, nullptr, 0, nullptr, 0, szName, _MAX_FNAME, szExtension, _MAX_EXT);
+
+    wchar_t szPath[_MAX_DRIVE + _MAX_DIR + _MAX_FNAME + _MAX_EXT] = {};
+    _wmakepath(szPath, szDrive, szFolder, szName, szExtension);
+    return szPath;
 }

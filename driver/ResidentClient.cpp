@@ -1,11 +1,9 @@
 #include "driver/ResidentClient.h"
 
 #include "diag/LogSite.h"
-#include "support/Account.h"
 #include "support/CommandLine.h"
 #include "support/Exception.h"
-#include "support/PathNames.h"
-#include "support/ProcessWalk.h"
+#include "support/ProcessUtilities.h"
 
 #include <boost/algorithm/string/predicate.hpp>
 
@@ -64,7 +62,8 @@ void FindOrStartClient()
 
 } // namespace
 
-// Required: no trace scope here, so what the check logs is lost unless the call comes from inside a traced function.
+// Required: no trace scope here, so what the check logs is lost unless the call comes from inside a traced function. A
+// machine without a client would fill its log with one line for each capability that an application asks for.
 void CheckResidentClient() noexcept
 {
     try
@@ -73,17 +72,12 @@ void CheckResidentClient() noexcept
     }
     catch (const Language::Exception& exception)
     {
-        if (IsFatalEnabled())
-        {
-            LogFatal("%s(%d)Failed to launch apps. err = %s", kSourceModule, __LINE__, exception.What().c_str());
-        }
+        // Required: without a blank or a colon behind the line's number: the form of the line is fixed.
+        LOG_FATAL_JOINED("Failed to launch apps. err = %s", exception.What().c_str());
     }
     catch (...)
     {
-        if (IsFatalEnabled())
-        {
-            LogFatal("%s(%d) : %s", kSourceModule, __LINE__, "Caught unexpected C++ exception.");
-        }
+        LOG_FATAL("Caught unexpected C++ exception.");
     }
 }
 

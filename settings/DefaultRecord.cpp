@@ -2,12 +2,11 @@
 
 #include "diag/LogSite.h"
 #include "settings/PaperInfo.h"
-#include "support/Resource.h"
-#include "state/ComputerCaps.h"
-#include "state/StoreTypes.h"
-#include "state/UserRecords.h"
-#include "support/ModuleTexts.h"
-#include "support/FreeDeleter.h"
+#include "state/CapabilitySnapshot.h"
+#include "state/DataFiles.h"
+#include "support/Memory.h"
+#include "support/module/ModuleTexts.h"
+#include "support/module/Resource.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -43,25 +42,22 @@ void SetHardcodedDefault(DEVMODEW& stuDevmode)
 
 int SubSetDevMode(stuDrvDevmode* stuDefDev)
 {
-    TRACE_FUNCTION("SubSetDevMode");
-    if (IsFatalEnabled())
-    {
-        functionTrace.AddParam("stuDefDev", &stuDefDev->stuDevmode);
-    }
+    FunctionScope scope("SubSetDevMode");
+    TRACE_ARGUMENT_AS(scope, "stuDefDev", &stuDefDev->stuDevmode);
     if (VelUtility::GetDevDef(&stuDefDev->stuDevmode) == VelUtility::PSERR_OK)
     {
         // The file's bytes as they stand: nothing in them is forced.
-        LOG_DEBUG_WORDS("Set default DEVMODE read from file.");
+        LOG_DEBUG("Set default DEVMODE read from file.");
         return 1;
     }
-    LOG_DEBUG_WORDS("Set hardcode default DEVMODE");
+    LOG_DEBUG("Set hardcode default DEVMODE");
     SetHardcodedDefault(stuDefDev->stuDevmode);
     return 1;
 }
 
 short SubSetDefPaperSize()
 {
-    TRACE_FUNCTION("SubSetDefPaperSize");
+    const FunctionScope scope("SubSetDefPaperSize");
     const DWORD dwCount = VelUtility::GetComputerCaps(DC_PAPERS, nullptr);
     if (dwCount == VelUtility::kNoAnswer || dwCount == 0)
     {
@@ -80,16 +76,11 @@ short SubSetDefPaperSize()
 
 int SubConvertDevmodeOut(DEVMODEW stuDefDev, const DEVMODEW* pstuDevIn, DEVMODEW* pstuDevOut)
 {
-    TRACE_FUNCTION("SubConvertDevmodeOut");
-    if (IsFatalEnabled())
-    {
-        TRACE_ARGUMENT(stuDefDev);
-        TRACE_ARGUMENT(pstuDevIn);
-        TRACE_ARGUMENT(pstuDevOut);
-    }
+    FunctionScope scope("SubConvertDevmodeOut");
+    TRACE_ARGUMENTS(scope, stuDefDev, pstuDevIn, pstuDevOut);
     if (pstuDevOut == nullptr)
     {
-        LOG_ERROR_WORDS("NULL == pstuDevOut");
+        LOG_ERROR("NULL == pstuDevOut");
         return 0;
     }
     if (pstuDevIn == nullptr)
@@ -102,7 +93,7 @@ int SubConvertDevmodeOut(DEVMODEW stuDefDev, const DEVMODEW* pstuDevIn, DEVMODEW
     LOG_INFO("SubConvertDevmodeOut - Merge DEVMODE");
 
     // Required: the two tie-breaks differ. With equal sizes the input's version stands, with equal extras the
-    // default's.
+    // default's: the public part is the application's, the tail the driver's.
     const bool bSizeOfInput = pstuDevIn->dmSize <= stuDefDev.dmSize;
     const bool bExtraOfInput = pstuDevIn->dmDriverExtra < stuDefDev.dmDriverExtra;
     const WORD wSpec = bSizeOfInput ? pstuDevIn->dmSpecVersion : stuDefDev.dmSpecVersion;

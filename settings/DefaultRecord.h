@@ -17,8 +17,7 @@ short SubSetDefPaperSize();
 /// tail is copied.
 /// @param stuDefDev  the public part of a default record, by value.
 /// @param pstuDevIn  the caller's record; null copies the default.
-/// @param pstuDevOut [in, out] room for the smaller of the two dmSize values; its own dmSize and dmDriverExtra bound
-/// the
-///                   result's.
+/// @param pstuDevOut [in, out] buffer for the smaller of the two dmSize values; its own dmSize and dmDriverExtra bound
+///                   the result's.
 /// @return 1, or 0 for a null pstuDevOut.
 int SubConvertDevmodeOut(DEVMODEW stuDefDev, const DEVMODEW* pstuDevIn, DEVMODEW* pstuDevOut);

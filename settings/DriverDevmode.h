@@ -27,7 +27,7 @@ inline constexpr WORD kSpecVersion = 0x401;
 /// Bytes that CDM_CONVERT351 reports and asks for.
 inline constexpr LONG kConvert351Size = 200;
 
-static_assert(sizeof(DEVMODEW) == kDevmodeSize, "the platform's DEVMODEW");
+static_assert(sizeof(DEVMODEW) == kDevmodeSize, "Windows' DEVMODEW");
 static_assert(sizeof(stuDrvDevmode) == kRecordSize, "the record leaves the module");
 static_assert(sizeof(stuDrvDevmode) - sizeof(DEVMODEW) == kDriverExtra, "the tail");
 static_assert(offsetof(stuDrvDevmode, dwTailWord0) == 220 && offsetof(stuDrvDevmode, dwNoWaterPrint) == 224 &&

@@ -1,14 +1,12 @@
 #include "settings/PaperCatalogue.h"
 
 #include "diag/LogSite.h"
-#include "state/ComputerCaps.h"
-#include "state/PrinterCaps.h"
-#include "support/FreeDeleter.h"
-#include "support/ModuleTexts.h"
-#include "support/Resource.h"
+#include "state/CapabilitySnapshot.h"
+#include "support/Memory.h"
+#include "support/module/ModuleTexts.h"
+#include "support/module/Resource.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
 VELUI_SOURCE_MODULE("SubVelUi");
@@ -41,20 +39,12 @@ DWORD CountPapers()
     return dwCount == VelUtility::kNoAnswer ? 0 : dwCount;
 }
 
-/// Zeroed room for one field of all papers; null when there is no memory for it.
-template <typename T>
-MallocPtr<T[]> AllocateField(DWORD dwCount)
-{
-    // An empty list needs an address too: a null pointer means a failure.
-    return MallocPtr<T[]>(static_cast<T*>(std::calloc(std::max<size_t>(dwCount, 1), sizeof(T))));
-}
-
 /// Fills the list of dwCount configured papers and the custom one. @return whether there was memory for it.
 bool FillList(stuPaperInfo* pstuPaperInfo, DWORD dwCount)
 {
-    const auto pNames = AllocateField<VelUtility::WideName>(dwCount);
-    const auto pPapers = AllocateField<WORD>(dwCount);
-    const auto pSizes = AllocateField<POINT>(dwCount);
+    const auto pNames = AllocateArray<VelUtility::WideName>(dwCount);
+    const auto pPapers = AllocateArray<WORD>(dwCount);
+    const auto pSizes = AllocateArray<POINT>(dwCount);
     if (!pNames || !pPapers || !pSizes)
     {
         return false;
@@ -89,7 +79,7 @@ bool IsNear(LONG lTenths, int iMillimetres)
 
 DWORD GetPaperInfoList(stuPaperInfo* pstuPaperInfo, DWORD dwRoom)
 {
-    TRACE_FUNCTION("GetPaperInfoList");
+    const FunctionScope scope("GetPaperInfoList");
     const DWORD dwCount = std::min(CountPapers(), dwRoom);
     if (pstuPaperInfo == nullptr)
     {
@@ -98,42 +88,29 @@ DWORD GetPaperInfoList(stuPaperInfo* pstuPaperInfo, DWORD dwRoom)
     return FillList(pstuPaperInfo, dwCount) ? dwCount : VelUtility::kNoAnswer;
 }
 
-int GetDevDefPaperName(const stuPassData* stuPassData, wchar_t* aszPaperName)
+const stuPaperInfo* FindPaper(const stuPaperInfo* pstuPaperInfo, DWORD dwCount, WORD wPaper)
 {
-    TRACE_FUNCTION("GetDevDefPaperName");
-    const WORD wPaper = static_cast<WORD>(stuPassData->pdmIn->stuDevmode.dmPaperSize);
-    for (DWORD i = 0; i < stuPassData->dwCount; ++i)
-    {
-        if (stuPassData->pstuPaperInfo[i].wPaper == wPaper)
-        {
-            wcscpy_s(aszPaperName, kPaperNameUnits, stuPassData->pstuPaperInfo[i].aszPaperName);
-            return 1;
-        }
-    }
-    LOG_PARAM("%s(%d) : aszPaperName = %s\n", kSourceModule, __LINE__,
-              ToLogText(static_cast<PCWSTR>(aszPaperName)).c_str());
-    return 0;
+    const stuPaperInfo* const pEnd = pstuPaperInfo + dwCount;
+    const stuPaperInfo* const pFound =
+        std::find_if(pstuPaperInfo, pEnd, [wPaper](const stuPaperInfo& stuInfo) { return stuInfo.wPaper == wPaper; });
+    return pFound != pEnd ? pFound : nullptr;
 }
 
 int SubCheckPaperName(const stuPaperInfo* pstuPaperInfo, const DWORD& dwCount, wchar_t* pszPaperName, const int& iUserX,
                       const int& iUserY)
 {
-    TRACE_FUNCTION("SubCheckPaperName");
-    if (IsFatalEnabled())
-    {
-        functionTrace.AddParam("pstuPaperInfo, dwCount", &pstuPaperInfo, dwCount);
-        TRACE_ARGUMENT(dwCount);
-    }
-    // Required: the first match in list order wins, not the closest. The custom paper takes part with its size of 0 by
-    // 0.
+    FunctionScope scope("SubCheckPaperName");
+    TRACE_ARGUMENT_AS(scope, "pstuPaperInfo, dwCount", &pstuPaperInfo, dwCount);
+    TRACE_ARGUMENTS(scope, dwCount);
+    // Required: the first match in list order wins, not the closest, so that a printer's own order decides between two
+    // papers of nearly one size. The custom paper takes part with its size of 0 by 0.
     const stuPaperInfo* const pEnd = pstuPaperInfo + dwCount;
     const stuPaperInfo* const pFound = std::find_if(pstuPaperInfo, pEnd, [&](const stuPaperInfo& stuInfo) {
         return IsNear(stuInfo.stuPaperSize.x, iUserX) && IsNear(stuInfo.stuPaperSize.y, iUserY);
     });
     CopyName(pszPaperName, pFound != pEnd ? pFound->aszPaperName : CustomName().aszName);
-    LOG_PARAM("%s(%d) : pszPaperName = %s\n", kSourceModule, __LINE__,
-              ToLogText(static_cast<PCWSTR>(pszPaperName)).c_str());
-    LOG_PARAM("%s(%d) : iUserX = %s\n", kSourceModule, __LINE__, ToLogText(iUserX).c_str());
-    LOG_PARAM("%s(%d) : iUserY = %s\n", kSourceModule, __LINE__, ToLogText(iUserY).c_str());
+    LOG_RESULT("pszPaperName", static_cast<PCWSTR>(pszPaperName));
+    LOG_RESULT("iUserX", iUserX);
+    LOG_RESULT("iUserY", iUserY);
     return 1;
 }

@@ -10,7 +10,7 @@ namespace VelUtility
 CBaseMutex::CBaseMutex(BOOL bInitialOwner, const wchar_t* pszName)
     : hMutex(CreateMutexW(nullptr, bInitialOwner, pszName))
 {
-    TRACE_FUNCTION("VelUtility::CBaseMutex::CBaseMutex");
+    const FunctionScope scope("VelUtility::CBaseMutex::CBaseMutex");
     if (hMutex == nullptr)
     {
         LOG_ERROR("GetLastError() = %u", static_cast<unsigned>(GetLastError()));
@@ -19,10 +19,11 @@ CBaseMutex::CBaseMutex(BOOL bInitialOwner, const wchar_t* pszName)
 
 CBaseMutex::~CBaseMutex()
 {
-    TRACE_FUNCTION("VelUtility::CBaseMutex::~CBaseMutex");
+    const FunctionScope scope("VelUtility::CBaseMutex::~CBaseMutex");
     if (hMutex != nullptr)
     {
-        // Required: a second release, which fails in silence when Unlock has run.
+        // Required: a second release, which fails in silence when Unlock has run. It gives back what a caller that left
+        // by an exception still held.
         ReleaseMutex(hMutex);
         CloseHandle(hMutex);
     }
@@ -30,14 +31,15 @@ CBaseMutex::~CBaseMutex()
 
 BOOL CBaseMutex::Lock(DWORD dwMilliseconds)
 {
-    TRACE_FUNCTION("VelUtility::CBaseMutex::Lock");
-    // Required: WAIT_ABANDONED counts as failure too.
+    const FunctionScope scope("VelUtility::CBaseMutex::Lock");
+    // Required: WAIT_ABANDONED counts as failure too, although the caller then owns the mutex: the file may have been
+    // left half written.
     return WaitForSingleObject(hMutex, dwMilliseconds) == WAIT_OBJECT_0 ? 1 : 0;
 }
 
 BOOL CBaseMutex::Unlock()
 {
-    TRACE_FUNCTION("VelUtility::CBaseMutex::Unlock");
+    const FunctionScope scope("VelUtility::CBaseMutex::Unlock");
     return ReleaseMutex(hMutex);
 }
 

@@ -12,7 +12,7 @@ public:
     /// Creates or opens the mutex by name in the session's own namespace.
     /// @param bInitialOwner non-zero asks for ownership at once.
     /// @param pszName       wide text; borrowed.
-    /// When the platform refuses, a line is logged and the object exists without a mutex.
+    /// When Windows refuses, a line is logged and the object exists without a mutex.
     CBaseMutex(BOOL bInitialOwner, const wchar_t* pszName);
     /// Releases and closes the mutex.
     virtual ~CBaseMutex();
@@ -24,7 +24,7 @@ public:
     /// @return 1 when the wait ended with ownership in the ordinary way; 0 otherwise, also after an owner that ended
     ///         without releasing, although the caller then owns the mutex.
     BOOL Lock(DWORD dwMilliseconds);
-    /// @return what the platform's release returns: 0 when the caller isn't the owner.
+    /// @return what ReleaseMutex returns: 0 when the caller isn't the owner.
     BOOL Unlock();
 
     HANDLE hMutex; ///< null when creation failed

@@ -1,13 +1,8 @@
-// The sections of Config.ini that all users of the machine share.
-
-#include "state/ClientConfig.h"
+#include "state/ConfigFile.h"
 
 #include "diag/LogSite.h"
-#include "state/ConfigSections.h"
 #include "state/FileLocker.h"
-#include "state/LoggedWrite.h"
-#include "state/ProfileReader.h"
-#include "state/ProfileWriter.h"
+#include "state/Profile.h"
 #include "state/StorePaths.h"
 #include "state/StoreTypes.h"
 
@@ -26,7 +21,7 @@ namespace
 constexpr wchar_t kSettingSection[] = L"Setting";
 constexpr wchar_t kServerSection[] = L"ServerConfig";
 
-/// Room for a text of Config.ini, in wide characters: 255 and a terminator.
+/// Buffer for a text of Config.ini, in wide characters: 255 and a terminator.
 constexpr size_t kTextUnits = 256;
 
 /// One flag of a record: its key, its place and its default.
@@ -76,35 +71,50 @@ void ReadFlags(const wchar_t* pszSection, const FlagRow<Record> (&rows)[uiRows],
     }
 }
 
-/// Writes a text of Config.ini; its failure has words of its own.
-bool WriteSettingText(const wchar_t* pszKey, const std::wstring& strText, const wchar_t* pszFile)
+/// A text of section Setting: its key and its place.
+struct TextRow
 {
-    if (WritePrivateProfileStringW(kSettingSection, pszKey, strText.c_str(), pszFile) == 0)
+    const wchar_t* pszKey;
+    std::wstring ClientSetting::*pText;
+};
+
+constexpr TextRow kSettingTexts[] = {
+    {L"DefaultPrinter", &ClientSetting::DefaultPrinter},
+    {L"DefaultProject", &ClientSetting::DefaultProject},
+};
+
+/// Writes the texts of section Setting; a failure has words of its own.
+bool WriteTexts(const ClientSetting& setting, const wchar_t* pszFile)
+{
+    for (const TextRow& row : kSettingTexts)
     {
-        LOG_ERROR_WORDS("WritePrivateProfileString failed.");
-        return false;
+        if (WritePrivateProfileStringW(kSettingSection, row.pszKey, (setting.*row.pText).c_str(), pszFile) == 0)
+        {
+            LOG_ERROR("WritePrivateProfileString failed.");
+            return false;
+        }
     }
     return true;
 }
 
 } // namespace
 
-// Required: the two writers of Config.ini below run without the file's lock, their readers with it.
+// Required: the two writers of Config.ini below run without the file's lock, their readers with it: a writer never
+// waits for a query, and a query may see a section half written.
 
 DWORD WriteClientSetting(const ClientSetting* pstuSetting)
 {
-    TRACE_FUNCTION("VelUtility::WriteClientSetting");
+    const FunctionScope scope("VelUtility::WriteClientSetting");
     wchar_t szPath[kStorePathUnits];
     const bool bWritten = MakeConfigFilePath(szPath) &&
                           WriteFlags(kSettingSection, kSettingFlags, *pstuSetting, szPath) &&
-                          WriteSettingText(L"DefaultPrinter", pstuSetting->DefaultPrinter, szPath) &&
-                          WriteSettingText(L"DefaultProject", pstuSetting->DefaultProject, szPath);
+                          WriteTexts(*pstuSetting, szPath);
     return bWritten ? PSERR_OK : PSERR_FAILED;
 }
 
 DWORD ReadClientSetting(ClientSetting* pstuSetting)
 {
-    TRACE_FUNCTION("VelUtility::ReadClientSetting");
+    const FunctionScope scope("VelUtility::ReadClientSetting");
     wchar_t szPath[kStorePathUnits];
     if (!MakeConfigFilePath(szPath))
     {
@@ -112,14 +122,16 @@ DWORD ReadClientSetting(ClientSetting* pstuSetting)
     }
     const CScopeFileLock lock(szPath);
     ReadFlags(kSettingSection, kSettingFlags, *pstuSetting, szPath);
-    pstuSetting->DefaultPrinter = ReadProfileText<kTextUnits>(kSettingSection, L"DefaultPrinter", szPath);
-    pstuSetting->DefaultProject = ReadProfileText<kTextUnits>(kSettingSection, L"DefaultProject", szPath);
+    for (const TextRow& row : kSettingTexts)
+    {
+        pstuSetting->*row.pText = ReadProfileText<kTextUnits>(kSettingSection, row.pszKey, szPath);
+    }
     return PSERR_OK;
 }
 
 DWORD MakeServerConfig(const ServerConfigInfo* pstuConfig)
 {
-    TRACE_FUNCTION("VelUtility::MakeServerConfig");
+    const FunctionScope scope("VelUtility::MakeServerConfig");
     wchar_t szPath[kStorePathUnits];
     const bool bWritten = MakeConfigFilePath(szPath) && WriteFlags(kServerSection, kServerFlags, *pstuConfig, szPath);
     return bWritten ? PSERR_OK : PSERR_FAILED;
@@ -127,7 +139,7 @@ DWORD MakeServerConfig(const ServerConfigInfo* pstuConfig)
 
 DWORD GetServerConfig(ServerConfigInfo* pstuConfig)
 {
-    TRACE_FUNCTION("VelUtility::GetServerConfig");
+    const FunctionScope scope("VelUtility::GetServerConfig");
     wchar_t szPath[kStorePathUnits];
     if (!MakeConfigFilePath(szPath))
     {
@@ -138,24 +150,9 @@ DWORD GetServerConfig(ServerConfigInfo* pstuConfig)
     return PSERR_OK;
 }
 
-DWORD GetPrinterInfo(PrinterInfo* pstuInfo)
-{
-    TRACE_FUNCTION("VelUtility::GetPrinterInfo");
-    wchar_t szPath[kStorePathUnits];
-    if (!MakeConfigFilePath(szPath))
-    {
-        return PSERR_FAILED;
-    }
-    const CScopeFileLock lock(szPath);
-    pstuInfo->PrinterName = ReadProfileText<kTextUnits>(kPrinterSection, L"PrinterName", szPath);
-    pstuInfo->Location = ReadProfileText<kTextUnits>(kPrinterSection, L"Location", szPath);
-    pstuInfo->Description = ReadProfileText<kTextUnits>(kPrinterSection, L"Description", szPath);
-    return PSERR_OK;
-}
-
 DWORD CheckConfigFile()
 {
-    TRACE_FUNCTION("VelUtility::CheckConfigFile");
+    const FunctionScope scope("VelUtility::CheckConfigFile");
     wchar_t szPath[kStorePathUnits];
     if (!MakeConfigFilePath(szPath))
     {
@@ -163,7 +160,7 @@ DWORD CheckConfigFile()
     }
     if (_waccess(szPath, 0) != 0)
     {
-        // Required: at the debug level; an absent file is an ordinary thing.
+        // Required: at the debug level; an absent file is an ordinary thing before the client has run.
         LOG_DEBUG("_waccess failed. err = %s", std::strerror(errno));
         return PSERR_FAILED;
     }

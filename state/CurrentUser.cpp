@@ -20,12 +20,13 @@ constexpr size_t kNameLimit = 80;
 /// What GetComputerNameW is offered, in wide characters.
 constexpr DWORD kComputerNameUnits = 32;
 
-// Required: the separators are doubled in the text that goes to the platform, which takes them as single ones.
+// Required: the separators are doubled in the text that goes to Windows, which takes them as single ones; a monitor
+// of registry calls shows the text in this form.
 constexpr wchar_t kWinlogonKey[] = L"SOFTWARE\\\\Microsoft\\\\Windows NT\\\\CurrentVersion\\\\Winlogon";
 
 using WideBuffer = std::unique_ptr<wchar_t[]>;
 
-/// Allocates zeroed room for cbValue bytes and a terminator.
+/// Allocates a zeroed buffer for cbValue bytes and a terminator.
 WideBuffer AllocateText(DWORD cbValue)
 {
     return WideBuffer(new (std::nothrow) wchar_t[cbValue / sizeof(wchar_t) + 2]());
@@ -57,7 +58,7 @@ void CopyText(wchar_t* szTarget, size_t uiRoom, const wchar_t* pszText)
 
 DWORD GetCurrentUsername(wchar_t* szUserName, wchar_t* szDomainName)
 {
-    TRACE_FUNCTION("VelUtility::GetCurrentUsername");
+    const FunctionScope scope("VelUtility::GetCurrentUsername");
     if (GetCurrentUsername_Registry(szUserName, szDomainName) != 0)
     {
         return 1;
@@ -67,7 +68,7 @@ DWORD GetCurrentUsername(wchar_t* szUserName, wchar_t* szDomainName)
 
 DWORD GetCurrentUsername_Registry(wchar_t* szUserName, wchar_t* szDomainName)
 {
-    TRACE_FUNCTION("VelUtility::GetCurrentUsername_Registry");
+    const FunctionScope scope("VelUtility::GetCurrentUsername_Registry");
 
     // In the order of their release, last to first: the key, the user, the domain, the computer's name.
     WideBuffer pComputerName;
@@ -75,7 +76,8 @@ DWORD GetCurrentUsername_Registry(wchar_t* szUserName, wchar_t* szDomainName)
     WideBuffer pUserName;
     RegistryKey key;
 
-    // Required: full access, so that a process without the right to it takes the hard-coded user.
+    // Required: full access, so that a process without the right to it takes the hard-coded user. With less, such a
+    // process would look for its files under another name than before.
     LONG lRet = key.Open(HKEY_LOCAL_MACHINE, kWinlogonKey, KEY_ALL_ACCESS);
     if (lRet != ERROR_SUCCESS)
     {
@@ -115,12 +117,12 @@ DWORD GetCurrentUsername_Registry(wchar_t* szUserName, wchar_t* szDomainName)
     DWORD cchComputerName = kComputerNameUnits;
     if (!pComputerName || !GetComputerNameW(pComputerName.get(), &cchComputerName))
     {
-        LOG_ERROR_WORDS("GetComputerNameW failed.");
+        LOG_ERROR("GetComputerNameW failed.");
         return 0;
     }
 
     // Required: only as many characters as the computer's name has are compared, so a domain that merely begins with it
-    // counts as equal.
+    // counts as equal. The names of users' files depend on it.
     if (wcsncmp(pComputerName.get(), pDomainName.get(), cchComputerName) == 0)
     {
         CopyText(szDomainName, kDomainNameUnits, L"localhost");
@@ -138,7 +140,7 @@ DWORD GetCurrentUsername_Registry(wchar_t* szUserName, wchar_t* szDomainName)
 
 DWORD GetCurrentUsername_Hardcode(wchar_t* szUserName, wchar_t* szDomainName)
 {
-    TRACE_FUNCTION("VelUtility::GetCurrentUsername_Hardcode");
+    const FunctionScope scope("VelUtility::GetCurrentUsername_Hardcode");
     CopyText(szUserName, kUserNameUnits, L"QPS");
     CopyText(szDomainName, kDomainNameUnits, L"VEL");
     LOG_DEBUG("szUserName = %S", szUserName);

@@ -5,8 +5,8 @@
 namespace VelUtility
 {
 
-/// Room that szUserName and szDomainName must have, in wide characters. A user name is at most 80 characters; a domain
-/// stays whole up to this room.
+/// Sizes that the buffers szUserName and szDomainName must have, in wide characters. A user name is at most 80
+/// characters; a domain stays whole up to its buffer's size.
 inline constexpr size_t kUserNameUnits = 81;
 inline constexpr size_t kDomainNameUnits = 1024;
 

@@ -18,6 +18,8 @@ namespace
 
 constexpr size_t kPathUnits = 260;
 
+// Required: a constructor that fails throws, inside itself, and keeps the exception. Both failures meet in one handler
+// with what can really be thrown in between, and leave the same object behind.
 [[noreturn]] void ThrowLockerFailure()
 {
     throw std::runtime_error("CFileLocker");
@@ -27,7 +29,7 @@ constexpr size_t kPathUnits = 260;
 
 CFileLocker::CFileLocker(const wchar_t* szFilename) noexcept : bFailed(0), pMutex(nullptr)
 {
-    TRACE_FUNCTION("VelUtility::CFileLocker::CFileLocker");
+    const FunctionScope scope("VelUtility::CFileLocker::CFileLocker");
     try
     {
         if (szFilename == nullptr)
@@ -37,7 +39,7 @@ CFileLocker::CFileLocker(const wchar_t* szFilename) noexcept : bFailed(0), pMute
             ThrowLockerFailure();
         }
         wchar_t szName[kPathUnits] = {};
-        // A path that does not fit leaves the name empty.
+        // A path that does not fit leaves the name empty, which is no name for a lock.
         if (_wfullpath(szName, szFilename, kPathUnits) == nullptr)
         {
             szName[0] = L'\0';
@@ -60,34 +62,35 @@ CFileLocker::CFileLocker(const wchar_t* szFilename) noexcept : bFailed(0), pMute
 
 CFileLocker::~CFileLocker()
 {
-    TRACE_FUNCTION("VelUtility::CFileLocker::~CFileLocker");
+    const FunctionScope scope("VelUtility::CFileLocker::~CFileLocker");
     pMutex.reset();
     bFailed = 1;
 }
 
 BOOL CFileLocker::Lock(DWORD dwMilliseconds)
 {
-    TRACE_FUNCTION("VelUtility::CFileLocker::Lock");
+    const FunctionScope scope("VelUtility::CFileLocker::Lock");
     return pMutex ? pMutex->Lock(dwMilliseconds) : 0;
 }
 
 BOOL CFileLocker::Unlock()
 {
-    TRACE_FUNCTION("VelUtility::CFileLocker::Unlock");
+    const FunctionScope scope("VelUtility::CFileLocker::Unlock");
     return pMutex ? pMutex->Unlock() : 0;
 }
 
 CScopeFileLock::CScopeFileLock(const wchar_t* pszPath) : m_locker(pszPath)
 {
-    TRACE_FUNCTION("VelUtility::CScopeFileLock::CScopeFileLock");
-    // The result isn't looked at: a lock that can't be had never stops the work that it guards.
+    const FunctionScope scope("VelUtility::CScopeFileLock::CScopeFileLock");
+    // Required: the result isn't looked at. A lock that can't be had never stops the work that it guards: a person
+    // would rather print from a file that is being written than not at all.
     m_locker.Lock(INFINITE);
 }
 
 CScopeFileLock::~CScopeFileLock()
 {
-    TRACE_FUNCTION("VelUtility::CScopeFileLock::~CScopeFileLock");
-    m_locker.Unlock();
+    const FunctionScope scope("VelUtility::CScopeFileLock::~CScopeFileLock");
+    m_locker.Unlock(); // Required: nor here; without the lock there is nothing to give back
 }
 
 } // namespace VelUtility

@@ -5,7 +5,7 @@
 
 #include "diag/LogSite.h"
 #include "state/StoreTypes.h"
-#include "support/FreeDeleter.h"
+#include "support/Memory.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -26,7 +26,7 @@ namespace
 constexpr DWORD kHostSize = 255;
 
 /// Copies a text without the white space at its ends. Does nothing for a null argument or an empty text.
-/// @param szTarget [out] room for the whole source.
+/// @param szTarget [out] buffer for the whole source.
 void StripText(const wchar_t* pszSource, wchar_t* szTarget)
 {
     if (pszSource == nullptr || szTarget == nullptr || *pszSource == L'\0')
@@ -54,7 +54,7 @@ DWORD FillHost(wchar_t* szHostName, DWORD uiHostSize, BYTE* pbyIP)
     std::list<DWORD> addresses;
     if (!GetHost(szName, kHostSize, addresses))
     {
-        LOG_ERROR_WORDS("GetHost failed.");
+        LOG_ERROR("GetHost failed.");
         return PSERR_FAILED;
     }
     StripText(szName, szStripped);
@@ -66,7 +66,7 @@ DWORD FillHost(wchar_t* szHostName, DWORD uiHostSize, BYTE* pbyIP)
     {
         if (addresses.empty())
         {
-            return PSERR_FAILED; // Required: without a line
+            return PSERR_FAILED; // Required: without a line; a machine off the network is no error
         }
         std::memcpy(pbyIP, &addresses.front(), sizeof(DWORD));
     }
@@ -77,7 +77,7 @@ DWORD FillHost(wchar_t* szHostName, DWORD uiHostSize, BYTE* pbyIP)
 
 DWORD GetLocalMachineInfo(wchar_t* szHostName, DWORD uiHostSize, BYTE* pbyMac, BYTE* pbyIP)
 {
-    TRACE_FUNCTION("VelUtility::GetLocalMachineInfo");
+    const FunctionScope scope("VelUtility::GetLocalMachineInfo");
     if ((szHostName != nullptr || pbyIP != nullptr) && FillHost(szHostName, uiHostSize, pbyIP) != PSERR_OK)
     {
         return PSERR_FAILED;
@@ -88,7 +88,7 @@ DWORD GetLocalMachineInfo(wchar_t* szHostName, DWORD uiHostSize, BYTE* pbyMac, B
         GetMACaddress(addresses); // its result is left aside: the list tells
         if (addresses.empty())
         {
-            LOG_ERROR_WORDS("GetMACaddress failed");
+            LOG_ERROR("GetMACaddress failed");
             return PSERR_FAILED;
         }
         std::memcpy(pbyMac, addresses.front().data(), kMacBytes);
@@ -98,8 +98,9 @@ DWORD GetLocalMachineInfo(wchar_t* szHostName, DWORD uiHostSize, BYTE* pbyMac, B
 
 bool GetHost(wchar_t* szHostName, DWORD /*uiHostSize*/, std::list<DWORD>& addresses)
 {
-    TRACE_FUNCTION("VelUtility::GetHost");
-    // Required: no WSACleanup; each call leaves one more start-up reference on the socket library.
+    const FunctionScope scope("VelUtility::GetHost");
+    // Required: no WSACleanup; each call leaves one more start-up reference on the socket library. A host that uses
+    // sockets itself so never loses them to this call.
     WSADATA data = {};
     if (WSAStartup(MAKEWORD(1, 1), &data) != 0)
     {
@@ -115,7 +116,7 @@ bool GetHost(wchar_t* szHostName, DWORD /*uiHostSize*/, std::list<DWORD>& addres
     const wchar_t* const pcComputerName = _wgetenv(L"COMPUTERNAME");
     if (pcComputerName == nullptr)
     {
-        LOG_ERROR_WORDS("NULL == pcComputerName");
+        LOG_ERROR("NULL == pcComputerName");
         return false;
     }
     wcsncpy_s(szHostName, kHostNameUnits, pcComputerName, _TRUNCATE);
@@ -136,7 +137,7 @@ bool GetHost(wchar_t* szHostName, DWORD /*uiHostSize*/, std::list<DWORD>& addres
 
 bool GetMACaddress(std::list<MacAddress>& addresses)
 {
-    TRACE_FUNCTION("VelUtility::GetMACaddress");
+    const FunctionScope scope("VelUtility::GetMACaddress");
     ULONG cbAdapters = 0;
     DWORD dwStatus = GetAdaptersInfo(nullptr, &cbAdapters);
     if (dwStatus != ERROR_BUFFER_OVERFLOW)
@@ -171,7 +172,7 @@ bool GetMACaddress(std::list<MacAddress>& addresses)
 DWORD GetLogonUserInfo(unsigned __int64 /*uiFirst*/, DWORD /*dwSecond*/, unsigned __int64 /*uiThird*/,
                        DWORD /*dwFourth*/)
 {
-    TRACE_FUNCTION("VelUtility::GetLogonUserInfo");
+    const FunctionScope scope("VelUtility::GetLogonUserInfo");
     return 1;
 }
 

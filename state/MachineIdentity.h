@@ -13,7 +13,7 @@ namespace VelUtility
 inline constexpr size_t kMacBytes = 6;
 using MacAddress = std::array<BYTE, kMacBytes>;
 
-/// Room for the machine's name in GetHost, in wide characters; a longer one is cut.
+/// Size of the buffer for the machine's name in GetHost, in wide characters; a longer one is cut.
 inline constexpr size_t kHostNameUnits = 1024;
 
 /// Fills what the caller hands in; each output may be null and is then left out. The host comes first: when its name
@@ -31,7 +31,7 @@ DWORD GetLocalMachineInfo(wchar_t* szHostName, DWORD uiHostSize, BYTE* pbyMac, B
 /// @param addresses   [out] each address is added behind what is there, as its four bytes stand.
 bool GetHost(wchar_t* szHostName, DWORD uiHostSize, std::list<DWORD>& addresses);
 
-/// Adds the address of each adapter that has one of 6 bytes, in the platform's order.
+/// Adds the address of each adapter that has one of 6 bytes, in the order of Windows.
 bool GetMACaddress(std::list<MacAddress>& addresses);
 
 /// Does nothing.

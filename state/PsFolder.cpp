@@ -14,9 +14,9 @@ namespace VelUtility
 namespace
 {
 
-constexpr const wchar_t* kClientValues[] = {L"InstallDir", L"DataDir", L"TempDir", L"LogDir"};
-constexpr const wchar_t* kServerValues[] = {L"InstallDir", L"DatabaseDir", L"TaskDir", L"LogDir",
-                                            L"BackupDir",  L"SGPlugin",    L"TempDir"};
+constexpr const wchar_t* kClientValues[] = {kInstallDir, L"DataDir", L"TempDir", L"LogDir"};
+constexpr const wchar_t* kServerValues[] = {kInstallDir,  L"DatabaseDir", L"TaskDir", L"LogDir",
+                                            L"BackupDir", L"SGPlugin",    L"TempDir"};
 
 /// Where one reader finds its folders.
 struct FolderTable
@@ -33,8 +33,10 @@ constexpr FolderTable kServerFolders = {kServerKey, kServerInstallDir, 7, kServe
 
 DWORD ReadFolder(const FolderTable& table, DWORD iFolderId, wchar_t* szFolder, unsigned __int64 uiSize)
 {
-    // One unit more than is read, so that a value stored without a terminator still ends.
+    // Required: one character more than is read, so that a value that was stored without a terminator is a folder too;
+    // Windows lets it be stored so.
     wchar_t szValue[kFolderUnits + 1] = {};
+    // Required: the name's spelling, which the log line below shows. In bytes.
     DWORD dwDateLen = kFolderUnits * sizeof(wchar_t);
     DWORD dwType = REG_SZ; // what the registry reports back is not looked at
 
@@ -44,7 +46,8 @@ DWORD ReadFolder(const FolderTable& table, DWORD iFolderId, wchar_t* szFolder, u
         return PSERR_INVALID_PARAMETER;
     }
 
-    // Required: the key is opened before the id is looked at, so that with a missing key even a bad id gives 1.
+    // Required: the key is opened before the id is looked at, so that with a missing key even a bad id gives 1: without
+    // an installation every folder is missing, whatever was asked for.
     RegistryKey key;
     LONG lRet = key.Open(HKEY_LOCAL_MACHINE, table.pszKey, KEY_READ);
     if (lRet != ERROR_SUCCESS)
@@ -58,7 +61,7 @@ DWORD ReadFolder(const FolderTable& table, DWORD iFolderId, wchar_t* szFolder, u
     {
         if (table.bLogBadId)
         {
-            LOG_ERROR_WORDS("PSERR_INVALID_PARAMETER");
+            LOG_ERROR("PSERR_INVALID_PARAMETER");
         }
         return PSERR_INVALID_PARAMETER;
     }
@@ -72,7 +75,8 @@ DWORD ReadFolder(const FolderTable& table, DWORD iFolderId, wchar_t* szFolder, u
     }
 
     // Required: bytes are compared with a size that callers give in characters, which halves the limit: a folder of
-    // 128 characters is refused at size 256, one of 130 at size 260.
+    // 128 characters is refused at size 256, one of 130 at size 260. A longer folder that were accepted would move the
+    // files of installations that run without it.
     if (dwDateLen > uiSize)
     {
         LOG_ERROR("dwDateLen = %u", static_cast<unsigned>(dwDateLen));
@@ -88,7 +92,7 @@ DWORD ReadFolder(const FolderTable& table, DWORD iFolderId, wchar_t* szFolder, u
 
 DWORD GetClientFolder(DWORD iFolderId, wchar_t* szFolder, unsigned __int64 uiSize)
 {
-    TRACE_FUNCTION("VelUtility::GetClientFolder");
+    const FunctionScope scope("VelUtility::GetClientFolder");
     LOG_DEBUG("iFolderId = %u", static_cast<unsigned>(iFolderId));
     LOG_DEBUG("uiSize = %u", static_cast<unsigned>(uiSize));
     const DWORD dwStatus = ReadFolder(kClientFolders, iFolderId, szFolder, uiSize);
@@ -101,7 +105,7 @@ DWORD GetClientFolder(DWORD iFolderId, wchar_t* szFolder, unsigned __int64 uiSiz
 
 DWORD GetServerFolder(DWORD iFolderId, wchar_t* szFolder, unsigned __int64 uiSize)
 {
-    TRACE_FUNCTION("VelUtility::GetServerFolder");
+    const FunctionScope scope("VelUtility::GetServerFolder");
     return ReadFolder(kServerFolders, iFolderId, szFolder, uiSize);
 }
 

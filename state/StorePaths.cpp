@@ -17,12 +17,12 @@ void JoinPath(wchar_t* szPath, const wchar_t* pszFolder, const wchar_t* pszFileN
     _wmakepath_s(szPath, kStorePathUnits, nullptr, pszFolder, pszFileName, nullptr);
 }
 
-bool MakeClientPath(FolderId iFolderId, unsigned __int64 uiSize, const wchar_t* pszName, wchar_t* szPath)
+bool MakeClientFilePath(FolderId iFolderId, unsigned __int64 uiSize, const wchar_t* pszName, wchar_t* szPath)
 {
     wchar_t szFolder[kFolderUnits] = {};
     if (GetClientFolder(iFolderId, szFolder, uiSize) != PSERR_OK)
     {
-        LOG_ERROR_WORDS("GetClientFolder failed.");
+        LOG_ERROR("GetClientFolder failed.");
         return false;
     }
     JoinPath(szPath, szFolder, pszName);
@@ -37,24 +37,24 @@ void FormatPersonalName(wchar_t* szName, const wchar_t* pszUserName, const wchar
 
 bool MakePersonalFilePath(const wchar_t* szFileName, wchar_t* szPath)
 {
-    TRACE_FUNCTION("VelUtility::MakePersonalFilePath");
+    const FunctionScope scope("VelUtility::MakePersonalFilePath");
     wchar_t szUserName[kUserNameUnits] = {};
     wchar_t szDomainName[kDomainNameUnits] = {};
     if (GetCurrentUsername(szUserName, szDomainName) == 0)
     {
-        LOG_ERROR_WORDS("GetCurrentUsername failed.");
+        LOG_ERROR("GetCurrentUsername failed.");
         return false;
     }
     wchar_t szName[kStoreNameUnits] = {};
     FormatPersonalName(szName, szUserName, szDomainName, szFileName);
-    return MakeClientPath(kClientDataDir, kDataDirSize, szName, szPath);
+    return MakeClientFilePath(kClientDataDir, kDataDirSize, szName, szPath);
 }
 
 bool MakeLoggedPersonalPath(const wchar_t* szFileName, wchar_t* szPath)
 {
     if (!MakePersonalFilePath(szFileName, szPath))
     {
-        LOG_ERROR_WORDS("MakePersonalFilePath failed.");
+        LOG_ERROR("MakePersonalFilePath failed.");
         return false;
     }
     return true;
@@ -62,21 +62,21 @@ bool MakeLoggedPersonalPath(const wchar_t* szFileName, wchar_t* szPath)
 
 bool MakeUserMessageFilePath(const wchar_t* szFileName, std::wstring strUser, wchar_t* szPath)
 {
-    TRACE_FUNCTION("VelUtility::MakeUserMessageFilePath");
+    const FunctionScope scope("VelUtility::MakeUserMessageFilePath");
     wchar_t szName[kStoreNameUnits] = {};
     _snwprintf_s(szName, kStoreNameUnits, _TRUNCATE, L"%ls_%ls", strUser.c_str(), szFileName);
-    return MakeClientPath(kClientDataDir, kDataDirSize, szName, szPath);
+    return MakeClientFilePath(kClientDataDir, kDataDirSize, szName, szPath);
 }
 
 bool MakeServerFilePath(const wchar_t* szFileName, wchar_t* szPath)
 {
-    TRACE_FUNCTION("VelUtility::MakeServerFilePath");
-    return MakeClientPath(kClientDataDir, kDataDirSize, szFileName, szPath);
+    const FunctionScope scope("VelUtility::MakeServerFilePath");
+    return MakeClientFilePath(kClientDataDir, kDataDirSize, szFileName, szPath);
 }
 
 bool MakeConfigFilePath(wchar_t* szPath)
 {
-    return MakeClientPath(kClientTempDir, kTempDirSize, L"Config.ini", szPath);
+    return MakeClientFilePath(kClientTempDir, kTempDirSize, L"Config.ini", szPath);
 }
 
 } // namespace VelUtility

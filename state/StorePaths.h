@@ -8,8 +8,9 @@
 namespace VelUtility
 {
 
-/// Room for a formed file name and for a joined path, in wide characters. Names that fit the platform's 260 are the
-/// rule; the room is wider so that the longest user and domain lose nothing on the way to the platform's own refusal.
+/// Sizes of the buffers for a formed file name and for a joined path, in wide characters. Names that fit the 260 of
+/// Windows are the rule; the buffers are larger so that the longest user and domain lose nothing on the way to the
+/// refusal of Windows itself.
 inline constexpr size_t kStoreNameUnits = kUserNameUnits + kDomainNameUnits + 260;
 inline constexpr size_t kStorePathUnits = 260 + kStoreNameUnits;
 
@@ -25,7 +26,7 @@ void JoinPath(wchar_t* szPath, const wchar_t* pszFolder, const wchar_t* pszFileN
 /// caller's trace scope.
 /// @param uiSize what GetClientFolder is told.
 /// @param szPath [out] kStorePathUnits wide characters; untouched on failure.
-bool MakeClientPath(FolderId iFolderId, unsigned __int64 uiSize, const wchar_t* pszName, wchar_t* szPath);
+bool MakeClientFilePath(FolderId iFolderId, unsigned __int64 uiSize, const wchar_t* pszName, wchar_t* szPath);
 
 /// Forms "user@domain_name". A step of its caller too.
 /// @param szName [out] kStoreNameUnits wide characters.

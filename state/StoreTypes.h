@@ -14,7 +14,7 @@ inline constexpr DWORD PSERR_INVALID_PARAMETER = 16;
 /// The answer for anything missing (GDI_ERROR, as an unsigned 32-bit value).
 inline constexpr DWORD kNoAnswer = 0xFFFFFFFF;
 
-/// Room for a folder, in wide characters, as callers have it.
+/// Size of a buffer for a folder, in wide characters, as callers have it.
 inline constexpr size_t kFolderUnits = 260;
 
 } // namespace VelUtility

@@ -87,7 +87,8 @@ void LaunchCommandLine(const std::wstring& strCommandLine, bool bWait)
         ppszArguments[uiArgument++] = strToken.c_str();
     }
     ppszArguments[uiArgument] = nullptr;
-    // Required: the result is not looked at; the handle that it is without a wait stays open.
+    // Required: the result is not looked at, and the handle that it is without a wait stays open: a program that does
+    // not start is found missing by the next check.
     _wspawnv(bWait ? _P_WAIT : _P_NOWAIT, strProgram.c_str(), ppszArguments);
 }
 

@@ -16,7 +16,8 @@ std::string InvalidDataException::What() const
     return ToNarrow(message);
 }
 
-// Required: the prefix belongs to the wide text alone.
+// Required: the prefix belongs to the wide text alone; the narrow one is the bare path, which callers log behind words
+// of their own.
 std::string FileNotFoundException::What() const
 {
     return ToNarrow(fileName);
@@ -30,13 +31,13 @@ std::wstring FileNotFoundException::WhatW() const
 CrtException::CrtException(const char* /*pszName*/, const char* /*pszExtra*/) : errorCode(errno)
 {
     std::ostringstream text;
-    // Required: the word is fixed, whatever the call was.
+    // Required: the word is fixed, whatever the call was: memory is the one thing of the C runtime that fails here.
     text << "malloc"
          << " failed. err = " << std::strerror(errorCode);
     message = text.str();
 }
 
-// Required: both short texts are the empty summary.
+// Required: both short texts are the empty summary; who wants the text asks for the detail.
 std::wstring CrtException::WhatW() const
 {
     return ToWide(summary);
@@ -52,7 +53,8 @@ std::wstring CrtException::DetailW() const
 namespace Win32
 {
 
-// Required: through the virtual call, unlike Detail.
+// Required: through the virtual call, unlike Detail, so that a class derived from this one changes both short texts at
+// once.
 std::string Win32Exception::What() const
 {
     return Language::ToNarrow(WhatW());

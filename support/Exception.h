@@ -68,7 +68,7 @@ public:
 namespace Win32
 {
 
-/// A failed call of the platform.
+/// A failed call of Windows.
 class Win32Exception : public Language::Exception
 {
 public:

@@ -21,6 +21,13 @@ public:
         m_pFile = _wfopen(pszPath, pszMode);
         return m_pFile != nullptr;
     }
+    /// The same with the path in the system's code page.
+    bool Open(const char* pszPath, const char* pszMode) noexcept
+    {
+        Close();
+        m_pFile = std::fopen(pszPath, pszMode);
+        return m_pFile != nullptr;
+    }
     FILE* Get() const noexcept { return m_pFile; }
 
 private:

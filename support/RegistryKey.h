@@ -13,7 +13,7 @@ public:
     RegistryKey& operator=(const RegistryKey&) = delete;
 
     /// Opens a key below a root for the given access (KEY_ bits).
-    /// @return the platform's error code, 0 for success.
+    /// @return the error code of Windows, 0 for success.
     LONG Open(HKEY hRoot, const wchar_t* pszKey, REGSAM samDesired) noexcept
     {
         Close();

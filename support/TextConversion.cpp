@@ -18,7 +18,8 @@ std::basic_string<To> Convert(size_t (*pfnConvert)(To*, const From*, size_t), co
 {
     const size_t uiLength = pfnConvert(nullptr, strFrom.c_str(), kLengthLimit);
     std::vector<To> buffer(uiLength + 1); // empty when the length is kCannotConvert
-    // Required: no recovery. The access to the empty buffer is out of its bounds, which ends the process.
+    // Required: no recovery. The access to the empty buffer is out of its bounds, which ends the process: a path that
+    // can't be told must not be told wrongly.
     if (uiLength == kCannotConvert || pfnConvert(buffer.data(), strFrom.c_str(), uiLength) == kCannotConvert)
     {
         std::abort();

@@ -1,14 +1,14 @@
 #include "ui/AboutPage.h"
 
 #include "diag/LogSite.h"
-#include "support/Resource.h"
+#include "support/module/Resource.h"
 
 VELUI_SOURCE_MODULE("SubVelUi");
 
 namespace
 {
 
-/// Frees the picture that the control loaded from the dialog's description. Not every platform's control does so when
+/// Frees the picture that the control loaded from the dialog's description. Not every version of Windows does so when
 /// it goes.
 void ReleasePicture(HWND hDlg)
 {
@@ -20,7 +20,7 @@ void ReleasePicture(HWND hDlg)
 
 INT_PTR CALLBACK ProAbouPage(HWND hDlg, UINT uiMessage, WPARAM /*wParam*/, LPARAM /*lParam*/)
 {
-    TRACE_FUNCTION("ProAbouPage");
+    const FunctionScope scope("ProAbouPage");
     if (uiMessage == WM_DESTROY)
     {
         ReleasePicture(hDlg);

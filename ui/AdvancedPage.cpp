@@ -1,10 +1,10 @@
 #include "ui/AdvancedPage.h"
 
 #include "diag/LogSite.h"
-#include "state/ClientConfig.h"
-#include "state/StoreTypes.h"
-#include "support/Resource.h"
-#include "ui/SheetPages.h"
+#include "settings/NoWaterPrint.h"
+#include "state/UserIniFiles.h"
+#include "support/module/Resource.h"
+#include "ui/Controls.h"
 
 #include <commctrl.h>
 
@@ -15,19 +15,19 @@ namespace
 
 constexpr DWORD kRequested = 1;
 
-int OnInitDialog(HWND hDlg, stuPassData* stuPassData)
+int OnInitDialog(HWND hDlg, stuPassData* pstuPassData)
 {
-    if (stuPassData == nullptr)
+    if (pstuPassData == nullptr)
     {
         return 1;
     }
-    DWORD dwNoWaterPrint = 0;
-    if (VelUtility::GetDefSetting(&dwNoWaterPrint) != VelUtility::PSERR_OK)
+    const std::optional<DWORD> noWaterPrint = ReadNoWaterPrint();
+    if (!noWaterPrint)
     {
         return 0;
     }
-    stuPassData->pdmIn->dwNoWaterPrint = dwNoWaterPrint;
-    return BindSheetData(hDlg, stuPassData) ? SubDefDlgSenior(hDlg, stuPassData) : 0;
+    pstuPassData->pdmIn->dwNoWaterPrint = *noWaterPrint;
+    return BindSheetData(hDlg, pstuPassData) ? SubDefDlgSenior(hDlg, pstuPassData) : 0;
 }
 
 void OnApply(HWND hDlg)
@@ -46,7 +46,7 @@ void OnApply(HWND hDlg)
 
 INT_PTR CALLBACK ProSeniorPage(HWND hDlg, UINT uiMessage, WPARAM wParam, LPARAM lParam)
 {
-    TRACE_FUNCTION("ProSeniorPage");
+    const FunctionScope scope("ProSeniorPage");
     switch (uiMessage)
     {
     case WM_INITDIALOG:
@@ -68,19 +68,19 @@ INT_PTR CALLBACK ProSeniorPage(HWND hDlg, UINT uiMessage, WPARAM wParam, LPARAM 
     }
 }
 
-int SubDefDlgSenior(HWND hDlg, const stuPassData* stuPassData)
+int SubDefDlgSenior(HWND hDlg, const stuPassData* pstuPassData)
 {
-    TRACE_FUNCTION("SubDefDlgSenior");
-    const bool bChecked = stuPassData->pdmIn->dwNoWaterPrint == kRequested;
+    const FunctionScope scope("SubDefDlgSenior");
+    const bool bChecked = pstuPassData->pdmIn->dwNoWaterPrint == kRequested;
     return CheckDlgButton(hDlg, IDC_NO_WATERMARK, bChecked ? BST_CHECKED : BST_UNCHECKED);
 }
 
-int SubGetDlgSenior(HWND hDlg, stuPassData* stuPassData)
+int SubGetDlgSenior(HWND hDlg, stuPassData* pstuPassData)
 {
-    TRACE_FUNCTION("SubGetDlgSenior");
-    const bool bChecked = IsDlgButtonChecked(hDlg, IDC_NO_WATERMARK) == BST_CHECKED;
-    stuPassData->pdmOut->dwNoWaterPrint = bChecked ? kRequested : 0;
-    stuPassData->pdmOut->dwTailWord2 = 0;
-    stuPassData->pdmOut->dwTailWord0 = 0;
+    const FunctionScope scope("SubGetDlgSenior");
+    const bool bChecked = IsChecked(hDlg, IDC_NO_WATERMARK);
+    pstuPassData->pdmOut->dwNoWaterPrint = bChecked ? kRequested : 0;
+    pstuPassData->pdmOut->dwTailWord2 = 0;
+    pstuPassData->pdmOut->dwTailWord0 = 0;
     return 1;
 }

@@ -2,7 +2,7 @@
 /// The advanced page (IDD_ADVANCED): the request to print without the watermark. The module records it and neither
 /// checks the right to it nor acts on it.
 
-#include "settings/SheetData.h"
+#include "ui/SheetData.h"
 
 #include <windows.h>
 
@@ -12,7 +12,7 @@
 INT_PTR CALLBACK ProSeniorPage(HWND hDlg, UINT uiMessage, WPARAM wParam, LPARAM lParam);
 
 /// Checks the box when dwNoWaterPrint of pdmIn is exactly 1. @return what CheckDlgButton returned.
-int SubDefDlgSenior(HWND hDlg, const stuPassData* stuPassData);
+int SubDefDlgSenior(HWND hDlg, const stuPassData* pstuPassData);
 
 /// Writes the box into dwNoWaterPrint of pdmOut, 1 or 0, and 0 into the tail's other two words. @return 1.
-int SubGetDlgSenior(HWND hDlg, stuPassData* stuPassData);
+int SubGetDlgSenior(HWND hDlg, stuPassData* pstuPassData);

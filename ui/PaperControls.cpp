@@ -1,33 +1,68 @@
-#include "ui/SettingsPage.h"
+#include "ui/PaperControls.h"
 
 #include "diag/LogSite.h"
 #include "settings/PaperCatalogue.h"
-#include "state/ComputerCaps.h"
-#include "support/ModuleTexts.h"
-#include "support/Resource.h"
-#include "ui/NumberBox.h"
-#include "ui/PaperSelection.h"
+#include "state/CapabilitySnapshot.h"
+#include "support/module/ModuleTexts.h"
+#include "support/module/Resource.h"
+#include "ui/Controls.h"
+
+#include <string>
 
 VELUI_SOURCE_MODULE("SubVelUi");
+
+DWORD bPaperSync = 1;
+DWORD bNoSwap = 1;
+int iWidthEditId = IDC_FIRST_SIZE;
+int iHeightEditId = IDC_SECOND_SIZE;
 
 namespace
 {
 
-/// Room, in wide characters, in which a size box is read while it is edited. Required: it cuts a number of five digits,
-/// which the box takes, to four.
+constexpr int kMostTyped = 5; ///< characters that a size box takes
+
+/// Buffer, in wide characters, in which a size box is read while it is edited.
+/// Required: it cuts a number of five digits, which the box takes, to four. No paper is ten metres long.
 constexpr int kEditRoom = 5;
 
-constexpr int kOrientationPictureSize = 64; ///< pixels, each way
+/// Buffer, in wide characters, in which a size box is read for the record: here nothing is cut.
+constexpr int kApplyRoom = 64;
 
-/// The custom paper's name as the page knows it. Required: this text and not the string table's.
+constexpr DWORD kCustomFields =
+    DM_ORIENTATION | DM_PAPERSIZE | DM_PAPERLENGTH | DM_PAPERWIDTH | DM_COPIES | DM_COLOR | DM_DUPLEX;
+static_assert(kCustomFields == 0x190F, "what a custom paper sets");
+
+/// The custom paper's name as the page knows it.
+/// Required: this text and not the string table's. A translated table would change what the list shows, and with it
+/// what a click on an orientation button does to a custom size.
 constexpr wchar_t kCustomPaper[] = L"自定义";
 
-void ShowOrientation(HWND hDlg, UINT uiIcon)
+/// Selects the first paper whose name begins so; the rest of the name and case don't matter to Windows.
+/// @return its index, or CB_ERR with the selection unchanged.
+LRESULT SelectPaper(HWND hDlg, const wchar_t* pszName)
 {
-    // Shared: the system keeps one picture of each for the module, and pages that come and go lose none.
-    const HANDLE hIcon = LoadImageW(g_hModule, MAKEINTRESOURCEW(uiIcon), IMAGE_ICON, kOrientationPictureSize,
-                                    kOrientationPictureSize, LR_SHARED);
-    SendDlgItemMessageW(hDlg, IDC_ORIENTATION_PICTURE, STM_SETICON, reinterpret_cast<WPARAM>(hIcon), 0);
+    return SendDlgItemMessageW(hDlg, IDC_PAPER, CB_SELECTSTRING, static_cast<WPARAM>(-1),
+                               reinterpret_cast<LPARAM>(pszName));
+}
+
+/// Tells the selected paper.
+/// @param szName [out] its name; empty without a selection.
+/// @return its index, or CB_ERR without a selection, as when the user typed into the box.
+LRESULT SelectedPaper(HWND hDlg, wchar_t (&szName)[kPaperNameUnits])
+{
+    szName[0] = L'\0';
+    const LRESULT lIndex = SendDlgItemMessageW(hDlg, IDC_PAPER, CB_GETCURSEL, 0, 0);
+    SendDlgItemMessageW(hDlg, IDC_PAPER, CB_GETLBTEXT, static_cast<WPARAM>(lIndex), reinterpret_cast<LPARAM>(szName));
+    return lIndex;
+}
+
+void FillPapers(HWND hDlg, const stuPassData* pstuPassData)
+{
+    for (DWORD i = 0; i < pstuPassData->dwCount; ++i)
+    {
+        SendDlgItemMessageW(hDlg, IDC_PAPER, CB_ADDSTRING, 0,
+                            reinterpret_cast<LPARAM>(pstuPassData->pstuPaperInfo[i].aszPaperName));
+    }
 }
 
 void ExchangeSizes(HWND hDlg)
@@ -38,13 +73,6 @@ void ExchangeSizes(HWND hDlg)
     GetDlgItemTextW(hDlg, iHeightEditId, szHeight, kEditRoom);
     SetDlgItemTextW(hDlg, iWidthEditId, szHeight);
     SetDlgItemTextW(hDlg, iHeightEditId, szWidth);
-}
-
-void WriteNumber(HWND hEdit, int iValue)
-{
-    wchar_t szNumber[12];
-    swprintf_s(szNumber, L"%d", iValue);
-    SetWindowTextW(hEdit, szNumber);
 }
 
 bool ReadSize(HWND hDlg, int iBox, int& iMillimetres)
@@ -74,7 +102,8 @@ void LimitSize(int& iWidth, int& iHeight)
     {
         iHeight = HIWORD(dwLeast) / 10;
     }
-    // Required: the width is compared with the greatest height, and set to it. The height has no upper limit.
+    // Required: the width is compared with the greatest height, and set to it. The height has no upper limit. The paper
+    // that a typed size finds depends on it, and with it what users have stored.
     else if (iWidth * 10 > HIWORD(dwMost))
     {
         iWidth = HIWORD(dwMost) / 10;
@@ -93,24 +122,71 @@ int SelectFound(HWND hDlg, const wchar_t* pszName)
     return SelectPaper(hDlg, pszName) == CB_ERR ? 0 : 1;
 }
 
+/// Whole millimetres in tenths, cut to the field's 16 bits.
+short InTenths(int iMillimetres)
+{
+    return static_cast<short>(static_cast<unsigned>(iMillimetres) * 10u);
+}
+
+/// Writes a custom paper's size. A box that holds no number shows the warning box.
+void ReadCustomSize(HWND hDlg, DEVMODEW& stuDevmode)
+{
+    stuDevmode.dmFields = kCustomFields;
+    wchar_t szNumber[kApplyRoom];
+    // Required: one variable for both boxes. A height that can't be read is the width's value, so that the record holds
+    // a square and never what stood on the stack.
+    int iMillimetres = 0;
+    SubGetEditToINT(GetDlgItem(hDlg, iWidthEditId), szNumber, kApplyRoom, iMillimetres);
+    stuDevmode.dmPaperWidth = InTenths(iMillimetres);
+    SubGetEditToINT(GetDlgItem(hDlg, iHeightEditId), szNumber, kApplyRoom, iMillimetres);
+    stuDevmode.dmPaperLength = InTenths(iMillimetres);
+}
+
 } // namespace
 
-int On_Radio_Stand(HWND hDlg, const stuPassData* stuPassData)
+int SubInitPaperSize(const stuPassData* pstuPassData, HWND hDlg)
 {
-    TRACE_FUNCTION("On_Radio_Stand");
-    const bool bLandscape = IsDlgButtonChecked(hDlg, IDC_LANDSCAPE) == BST_CHECKED;
-    ShowOrientation(hDlg, bLandscape ? IDI_LANDSCAPE : IDI_PORTRAIT);
-    iWidthEditId = bLandscape ? IDC_SECOND_SIZE : IDC_FIRST_SIZE;
-    iHeightEditId = bLandscape ? IDC_FIRST_SIZE : IDC_SECOND_SIZE;
-    bNoSwap = 0;
-    Sub_On_Combo(hDlg, stuPassData);
-    bNoSwap = 1;
+    const FunctionScope scope("SubInitPaperSize");
+    for (const int iSpin : {IDC_FIRST_SPIN, IDC_SECOND_SPIN})
+    {
+        // A range from 0 to 5, of no further use: the spins' handler works on the boxes' texts.
+        SendDlgItemMessageW(hDlg, iSpin, UDM_SETRANGE, 0, 5);
+    }
+    for (const int iBox : {IDC_FIRST_SIZE, IDC_SECOND_SIZE})
+    {
+        SendDlgItemMessageW(hDlg, iBox, EM_LIMITTEXT, kMostTyped, 0);
+    }
+    FillPapers(hDlg, pstuPassData);
+
+    wchar_t szName[kPaperNameUnits] = {};
+    if (GetDevDefPaperName(pstuPassData, szName) == 0)
+    {
+        wcscpy_s(szName, L"A4");
+    }
+    if (SelectPaper(hDlg, szName) == CB_ERR)
+    {
+        SelectPaper(hDlg, pstuPassData->pstuPaperInfo[0].aszPaperName);
+    }
     return 1;
 }
 
-int Sub_On_Combo(HWND hDlg, const stuPassData* stuPassData)
+int GetDevDefPaperName(const stuPassData* pstuPassData, wchar_t* aszPaperName)
 {
-    TRACE_FUNCTION("Sub_On_Combo");
+    const FunctionScope scope("GetDevDefPaperName");
+    const auto wPaper = static_cast<WORD>(pstuPassData->pdmIn->stuDevmode.dmPaperSize);
+    const stuPaperInfo* const pFound = FindPaper(pstuPassData->pstuPaperInfo, pstuPassData->dwCount, wPaper);
+    if (pFound != nullptr)
+    {
+        wcscpy_s(aszPaperName, kPaperNameUnits, pFound->aszPaperName);
+        return 1;
+    }
+    LOG_RESULT("aszPaperName", static_cast<PCWSTR>(aszPaperName));
+    return 0;
+}
+
+int Sub_On_Combo(HWND hDlg, const stuPassData* pstuPassData)
+{
+    const FunctionScope scope("Sub_On_Combo");
     if (bPaperSync == 0)
     {
         return 1;
@@ -119,8 +195,9 @@ int Sub_On_Combo(HWND hDlg, const stuPassData* stuPassData)
     const LRESULT lIndex = SendDlgItemMessageW(hDlg, IDC_PAPER, CB_GETCURSEL, 0, 0);
     if (lIndex != CB_ERR)
     {
-        const stuPaperInfo& stuInfo = stuPassData->pstuPaperInfo[lIndex];
-        // Required: a custom paper's boxes keep their texts, empty ones too; the record's size is not read.
+        const stuPaperInfo& stuInfo = pstuPassData->pstuPaperInfo[lIndex];
+        // Required: a custom paper's boxes keep their texts, empty ones too; the record's size is not read. What the
+        // user has typed would be gone otherwise as soon as the typed size selects the custom paper.
         if (wcscmp(stuInfo.aszPaperName, kCustomPaper) != 0)
         {
             WriteNumber(GetDlgItem(hDlg, iWidthEditId), stuInfo.stuPaperSize.x / 10);
@@ -135,9 +212,9 @@ int Sub_On_Combo(HWND hDlg, const stuPassData* stuPassData)
     return 1;
 }
 
-int Sub_On_Edit(HWND hDlg, WORD wNotification, const stuPassData* stuPassData)
+int Sub_On_Edit(HWND hDlg, WORD wNotification, const stuPassData* pstuPassData)
 {
-    TRACE_FUNCTION("Sub_On_Edit");
+    const FunctionScope scope("Sub_On_Edit");
     if (wNotification != EN_CHANGE || bPaperSync == 0)
     {
         return 1;
@@ -151,7 +228,7 @@ int Sub_On_Edit(HWND hDlg, WORD wNotification, const stuPassData* stuPassData)
     LimitSize(iWidth, iHeight);
     bPaperSync = 0;
     wchar_t szName[kPaperNameUnits];
-    SubCheckPaperName(stuPassData->pstuPaperInfo, stuPassData->dwCount, szName, iWidth, iHeight);
+    SubCheckPaperName(pstuPassData->pstuPaperInfo, pstuPassData->dwCount, szName, iWidth, iHeight);
     const int iReturn = SelectFound(hDlg, szName);
     bPaperSync = 1;
     return iReturn;
@@ -159,7 +236,7 @@ int Sub_On_Edit(HWND hDlg, WORD wNotification, const stuPassData* stuPassData)
 
 int Sub_On_Spin(HWND /*hDlg*/, const NMUPDOWN* pUpDown)
 {
-    TRACE_FUNCTION("Sub_On_Spin");
+    const FunctionScope scope("Sub_On_Spin");
     const HWND hBuddy = reinterpret_cast<HWND>(SendMessageW(pUpDown->hdr.hwndFrom, UDM_GETBUDDY, 0, 0));
     wchar_t szNumber[kEditRoom];
     int iValue = 0;
@@ -170,4 +247,28 @@ int Sub_On_Spin(HWND /*hDlg*/, const NMUPDOWN* pUpDown)
     iValue += pUpDown->iDelta;
     WriteNumber(hBuddy, iValue < 0 ? 0 : iValue);
     return 1;
+}
+
+void TurnSizes(HWND hDlg, const stuPassData* pstuPassData, bool bLandscape)
+{
+    iWidthEditId = bLandscape ? IDC_SECOND_SIZE : IDC_FIRST_SIZE;
+    iHeightEditId = bLandscape ? IDC_FIRST_SIZE : IDC_SECOND_SIZE;
+    bNoSwap = 0;
+    Sub_On_Combo(hDlg, pstuPassData);
+    bNoSwap = 1;
+}
+
+void ReadPaper(HWND hDlg, const stuPassData* pstuPassData, DEVMODEW& stuDevmode)
+{
+    wchar_t szName[kPaperNameUnits];
+    const LRESULT lIndex = SelectedPaper(hDlg, szName);
+    std::wstring strCustom;
+    SubLoadString(IDS_CUSTOM_PAPER, strCustom);
+    if (strCustom == szName)
+    {
+        ReadCustomSize(hDlg, stuDevmode);
+    }
+    // Required: the index as it is, and without a selection that is -1: a text in the box that is no entry reads in
+    // front of the list. Which paper it then is, is decided by nobody.
+    stuDevmode.dmPaperSize = static_cast<short>(pstuPassData->pstuPaperInfo[lIndex].wPaper);
 }

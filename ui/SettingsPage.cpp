@@ -1,45 +1,45 @@
 #include "ui/SettingsPage.h"
 
 #include "diag/LogSite.h"
-#include "support/Resource.h"
-#include "ui/SheetPages.h"
+#include "state/DataFiles.h"
+#include "support/module/Resource.h"
+#include "ui/OrientationControls.h"
+#include "ui/OtherControls.h"
+#include "ui/PaperControls.h"
+
+#include <cstring>
 
 VELUI_SOURCE_MODULE("SubVelUi");
-
-DWORD bPaperSync = 1;
-DWORD bNoSwap = 1;
-int iWidthEditId = IDC_FIRST_SIZE;
-int iHeightEditId = IDC_SECOND_SIZE;
 
 namespace
 {
 
 /// Sets all controls. @return the last step's result alone.
-int InitPage(HWND hDlg, const stuPassData* stuPassData)
+int InitPage(HWND hDlg, const stuPassData* pstuPassData)
 {
-    SubInitPaperSize(stuPassData, hDlg);
-    SubInitOrientation(stuPassData, hDlg);
-    return SubInitOther(stuPassData, hDlg);
+    SubInitPaperSize(pstuPassData, hDlg);
+    SubInitOrientation(pstuPassData, hDlg);
+    return SubInitOther(pstuPassData, hDlg);
 }
 
-void OnPaper(HWND hDlg, const stuPassData* stuPassData, int& /*iReturn*/)
+/// The message's result for a control whose handler's own result does not count.
+constexpr int kHandled = 1;
+
+int OnPaper(HWND hDlg, const stuPassData* pstuPassData)
 {
-    Sub_On_Combo(hDlg, stuPassData);
+    Sub_On_Combo(hDlg, pstuPassData);
+    return kHandled;
 }
 
-void OnSize(HWND hDlg, const stuPassData* stuPassData, int& /*iReturn*/)
+int OnSize(HWND hDlg, const stuPassData* pstuPassData)
 {
-    Sub_On_Edit(hDlg, EN_CHANGE, stuPassData);
+    Sub_On_Edit(hDlg, EN_CHANGE, pstuPassData);
+    return kHandled;
 }
 
-void OnOrientation(HWND hDlg, const stuPassData* stuPassData, int& iReturn)
+int OnDuplex(HWND hDlg, const stuPassData* pstuPassData)
 {
-    iReturn = On_Radio_Stand(hDlg, stuPassData);
-}
-
-void OnDuplex(HWND hDlg, const stuPassData* stuPassData, int& iReturn)
-{
-    iReturn = On_Check_Duplex(hDlg, stuPassData->pdmIn->stuDevmode.dmDuplex);
+    return On_Check_Duplex(hDlg, pstuPassData->pdmIn->stuDevmode.dmDuplex);
 }
 
 /// A control's notification that changes the page, and what is done about it.
@@ -47,37 +47,47 @@ struct CommandRow
 {
     WORD wControl;
     WORD wNotification;
-    /// Null for a control that needs no more. The last argument, the message's result, is set by some.
-    void (*pfnHandle)(HWND hDlg, const stuPassData* stuPassData, int& iReturn);
+    int (*pfnHandle)(HWND hDlg, const stuPassData* pstuPassData); ///< gives the message's result; null: nothing to do
 };
 
 constexpr CommandRow kCommands[] = {
-    {IDC_PAPER, CBN_SELCHANGE, &OnPaper},        {IDC_FIRST_SIZE, EN_CHANGE, &OnSize},
-    {IDC_SECOND_SIZE, EN_CHANGE, &OnSize},       {IDC_PORTRAIT, BN_CLICKED, &OnOrientation},
-    {IDC_LANDSCAPE, BN_CLICKED, &OnOrientation}, {IDC_DUPLEX, BN_CLICKED, &OnDuplex},
-    {IDC_MONOCHROME, BN_CLICKED, nullptr},       {IDC_COLOUR, BN_CLICKED, nullptr},
-    {IDC_SHORT_EDGE, BN_CLICKED, nullptr},       {IDC_LONG_EDGE, BN_CLICKED, nullptr},
+    {IDC_PAPER, CBN_SELCHANGE, &OnPaper},         {IDC_FIRST_SIZE, EN_CHANGE, &OnSize},
+    {IDC_SECOND_SIZE, EN_CHANGE, &OnSize},        {IDC_PORTRAIT, BN_CLICKED, &On_Radio_Stand},
+    {IDC_LANDSCAPE, BN_CLICKED, &On_Radio_Stand}, {IDC_DUPLEX, BN_CLICKED, &OnDuplex},
+    {IDC_MONOCHROME, BN_CLICKED, nullptr},        {IDC_COLOUR, BN_CLICKED, nullptr},
+    {IDC_SHORT_EDGE, BN_CLICKED, nullptr},        {IDC_LONG_EDGE, BN_CLICKED, nullptr},
 };
 
-void OnCommand(HWND hDlg, WPARAM wParam, int& iReturn)
+const CommandRow* FindCommand(WPARAM wParam)
 {
     for (const CommandRow& row : kCommands)
     {
-        if (row.wControl != LOWORD(wParam) || row.wNotification != HIWORD(wParam))
+        if (row.wControl == LOWORD(wParam) && row.wNotification == HIWORD(wParam))
         {
-            continue;
+            return &row;
         }
-        // A page whose data could not be bound to it has nothing to work with.
-        const stuPassData* const pstuPassData = BoundSheetData(hDlg);
-        if (row.pfnHandle != nullptr && pstuPassData != nullptr)
-        {
-            row.pfnHandle(hDlg, pstuPassData, iReturn);
-        }
-        // Required: also when the handler did nothing because the program itself wrote the text, so that the sheet can
-        // be applied as soon as the page is up.
-        TellChanged(hDlg);
-        return;
     }
+    return nullptr;
+}
+
+/// @param iReturn the message's result when no handler gives one.
+int OnCommand(HWND hDlg, WPARAM wParam, int iReturn)
+{
+    const CommandRow* const pRow = FindCommand(wParam);
+    if (pRow == nullptr)
+    {
+        return iReturn;
+    }
+    // A page whose data could not be bound to it has nothing to work with.
+    const stuPassData* const pstuPassData = BoundSheetData(hDlg);
+    if (pRow->pfnHandle != nullptr && pstuPassData != nullptr)
+    {
+        iReturn = pRow->pfnHandle(hDlg, pstuPassData);
+    }
+    // Required: also when the handler did nothing because the program itself wrote the text, so that the sheet can be
+    // applied as soon as the page is up.
+    TellChanged(hDlg);
+    return iReturn;
 }
 
 void OnNotify(HWND hDlg, const NMHDR* pHeader)
@@ -93,7 +103,8 @@ void OnNotify(HWND hDlg, const NMHDR* pHeader)
         {
             SubSetDlgData(hDlg, pstuPassData);
         }
-        // Required: not guarded, unlike the line before it.
+        // Required: not guarded, unlike the line before it: a page without data that is applied faults instead of
+        // reporting a result that nobody has chosen.
         // cppcheck-suppress nullPointerRedundantCheck
         ReportOk(pstuPassData, pstuPassData->hSetPage);
         return;
@@ -106,7 +117,7 @@ void OnNotify(HWND hDlg, const NMHDR* pHeader)
 
 INT_PTR CALLBACK ProSetPage(HWND hDlg, UINT uiMessage, WPARAM wParam, LPARAM lParam)
 {
-    TRACE_FUNCTION("ProSetPage");
+    const FunctionScope scope("ProSetPage");
     int iReturn = 1;
     switch (uiMessage)
     {
@@ -120,12 +131,28 @@ INT_PTR CALLBACK ProSetPage(HWND hDlg, UINT uiMessage, WPARAM wParam, LPARAM lPa
         // and its notification, and acts when its words happen to be a pair of the table.
         [[fallthrough]];
     case WM_COMMAND:
-        OnCommand(hDlg, wParam, iReturn);
-        return iReturn;
+        return OnCommand(hDlg, wParam, iReturn);
     case WM_NOTIFY:
         OnNotify(hDlg, reinterpret_cast<const NMHDR*>(lParam));
         return 0;
     default:
         return 0;
     }
+}
+
+int SubSetDlgData(HWND hDlg, stuPassData* pstuPassData)
+{
+    const FunctionScope scope("SubSetDlgData");
+    DEVMODEW& stuDevmode = pstuPassData->pdmOut->stuDevmode;
+    ReadPaper(hDlg, pstuPassData, stuDevmode);
+    ReadOrientation(hDlg, stuDevmode);
+    ReadOther(hDlg, stuDevmode);
+    std::memcpy(&pstuPassData->pdmIn->stuDevmode, &stuDevmode, sizeof(stuDevmode));
+    // Required: behind the copy, so that pdmIn does not get these two: what the page starts from keeps the bits that
+    // the caller set.
+    stuDevmode.dmFields |= DM_COLOR | DM_DUPLEX;
+    // A failure is not shown: the sheet's result is good all the same.
+    const DEVMODEW stuCopy = stuDevmode;
+    VelUtility::SetDevDef(&stuCopy);
+    return 1;
 }

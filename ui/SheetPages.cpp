@@ -1,27 +1,25 @@
 #include "ui/SheetPages.h"
 
 #include "diag/LogSite.h"
-#include "support/ModuleTexts.h"
+#include "support/module/ModuleTexts.h"
 
-#include <commctrl.h>
+VELUI_SOURCE_MODULE("VelUI");
 
-VELUI_SOURCE_MODULE("SubVelUi");
-
-void FillPage(PROPSHEETPAGEW* pPage, UINT uiTemplate, DLGPROC pfnDialog, const wchar_t* pszTitle, LPARAM lParam)
+void FillPage(PROPSHEETPAGEW* pPage, const PageRow& row, const wchar_t* pszTitle, stuPassData* pstuPassData)
 {
     *pPage = {};
     pPage->dwSize = sizeof(*pPage);
     pPage->dwFlags = PSP_USETITLE;
     pPage->hInstance = g_hModule;
-    pPage->pszTemplate = MAKEINTRESOURCEW(uiTemplate);
+    pPage->pszTemplate = MAKEINTRESOURCEW(row.uiTemplate);
     pPage->pszTitle = pszTitle;
-    pPage->pfnDlgProc = pfnDialog;
-    pPage->lParam = lParam;
+    pPage->pfnDlgProc = row.pfnDialog;
+    pPage->lParam = row.bTakesData ? reinterpret_cast<LPARAM>(pstuPassData) : 0;
 }
 
 LONG_PTR SubAddpropertySheet(PPROPSHEETUI_INFO pPSUIInfo, const PROPSHEETPAGEW* pPage)
 {
-    TRACE_FUNCTION("SubAddpropertySheet");
+    const FunctionScope scope("SubAddpropertySheet");
     const HPROPSHEETPAGE hPage = CreatePropertySheetPageW(pPage);
     if (hPage == nullptr)
     {
@@ -36,30 +34,13 @@ LONG_PTR SubAddpropertySheet(PPROPSHEETUI_INFO pPSUIInfo, const PROPSHEETPAGEW* 
     return lHandle;
 }
 
-stuPassData* SheetDataOf(LPARAM lParam)
+// No trace scope: the line belongs to the entry point.
+LONG_PTR AddLoggedPage(PPROPSHEETUI_INFO pPSUIInfo, const PROPSHEETPAGEW* pPage)
 {
-    return reinterpret_cast<stuPassData*>(reinterpret_cast<const PROPSHEETPAGEW*>(lParam)->lParam);
-}
-
-bool BindSheetData(HWND hDlg, stuPassData* stuPassData)
-{
-    // An old value of 0 and a failure look alike but for the last error.
-    SetLastError(ERROR_SUCCESS);
-    const LONG_PTR lOld = SetWindowLongPtrW(hDlg, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(stuPassData));
-    return GetLastError() == ERROR_SUCCESS || lOld != 0;
-}
-
-stuPassData* BoundSheetData(HWND hDlg)
-{
-    return reinterpret_cast<stuPassData*>(GetWindowLongPtrW(hDlg, GWLP_USERDATA));
-}
-
-void TellChanged(HWND hDlg)
-{
-    SendMessageW(GetParent(hDlg), PSM_CHANGED, reinterpret_cast<WPARAM>(hDlg), 0);
-}
-
-void ReportOk(const stuPassData* stuPassData, LONG_PTR hPage)
-{
-    stuPassData->pfnComPropSheet(stuPassData->hComPropSheet, CPSFUNC_SET_RESULT, hPage, CPSUI_OK);
+    const LONG_PTR lHandle = SubAddpropertySheet(pPSUIInfo, pPage);
+    if (lHandle == 0)
+    {
+        LOG_ERROR("SubAddpropertySheet returns NULL");
+    }
+    return lHandle;
 }

@@ -1,15 +1,30 @@
 #pragma once
-/// What the pages of both sheets share: how a page is described, added and bound to the sheet's data.
+/// The pages of both sheets: what each is made of, and how it is described to the sheet library and added.
 
-#include "settings/SheetData.h"
-#include "support/PrinterInterface.h"
+#include "support/module/PrinterInterface.h"
+#include "support/module/Resource.h"
+#include "ui/AboutPage.h"
+#include "ui/AdvancedPage.h"
+#include "ui/SettingsPage.h"
+
+/// What a page is made of.
+struct PageRow
+{
+    UINT uiTemplate;   ///< IDD_ number of the dialog in the module
+    UINT uiTitle;      ///< IDS_ number of the title
+    DLGPROC pfnDialog; ///< its dialog procedure
+    bool bTakesData;   ///< whether it gets the sheet's data
+};
+
+inline constexpr PageRow kSettingsPage = {IDD_SETTINGS, IDS_TITLE_SETTINGS, &ProSetPage, true};
+inline constexpr PageRow kAdvancedPage = {IDD_ADVANCED, IDS_TITLE_ADVANCED, &ProSeniorPage, true};
+inline constexpr PageRow kAboutPage = {IDD_ABOUT, IDS_TITLE_ABOUT, &ProAbouPage, false};
 
 /// Describes a page. All else of the structure becomes 0.
-/// @param pPage      [out] the structure.
-/// @param uiTemplate IDD_ number of the dialog in the module.
-/// @param pszTitle   borrowed; must live until the page has been added.
-/// @param lParam     what the page gets; the sheet's data or 0.
-void FillPage(PROPSHEETPAGEW* pPage, UINT uiTemplate, DLGPROC pfnDialog, const wchar_t* pszTitle, LPARAM lParam);
+/// @param pPage        [out] the structure.
+/// @param pszTitle     borrowed; must live until the page has been added.
+/// @param pstuPassData the sheet's data, for a page that takes it; may be null.
+void FillPage(PROPSHEETPAGEW* pPage, const PageRow& row, const wchar_t* pszTitle, stuPassData* pstuPassData = nullptr);
 
 /// Makes a page and adds it to the sheet.
 /// @param pPSUIInfo the library's call.
@@ -17,15 +32,5 @@ void FillPage(PROPSHEETPAGEW* pPage, UINT uiTemplate, DLGPROC pfnDialog, const w
 /// @return the library's handle of the page, or 0 when it could not be made or was refused.
 LONG_PTR SubAddpropertySheet(PPROPSHEETUI_INFO pPSUIInfo, const PROPSHEETPAGEW* pPage);
 
-/// The sheet's data as WM_INITDIALOG brings it; null for a page without.
-stuPassData* SheetDataOf(LPARAM lParam);
-/// Keeps the sheet's data on the page's window. @return whether it could be stored.
-bool BindSheetData(HWND hDlg, stuPassData* stuPassData);
-/// The data that the page's window keeps, or null.
-stuPassData* BoundSheetData(HWND hDlg);
-
-/// Tells the sheet that the page has something to apply.
-void TellChanged(HWND hDlg);
-/// Reports CPSUI_OK for a page to the sheet library.
-/// @param hPage hSetPage or hSeniorPage of the data.
-void ReportOk(const stuPassData* stuPassData, LONG_PTR hPage);
+/// The same for the sheets' hosts: a page that was refused leaves a line in the log.
+LONG_PTR AddLoggedPage(PPROPSHEETUI_INFO pPSUIInfo, const PROPSHEETPAGEW* pPage);

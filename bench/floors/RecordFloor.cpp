@@ -2,7 +2,7 @@
 
 #include "bench/floors/CapsFloor.h"
 #include "bench/floors/StoreFloor.h"
-#include "support/Resource.h"
+#include "support/module/Resource.h"
 
 #include <cstdio>
 #include <cstring>

@@ -3,7 +3,7 @@
 #include "bench/floors/CapsFloor.h"
 #include "bench/floors/RecordFloor.h"
 #include "bench/floors/StoreFloor.h"
-#include "support/Resource.h"
+#include "support/module/Resource.h"
 
 namespace
 {

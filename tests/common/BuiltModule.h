@@ -1,7 +1,7 @@
 #pragma once
 /// The built DLL, as a host loads it.
 
-#include "support/PrinterInterface.h"
+#include "support/module/PrinterInterface.h"
 #include "tests/common/Invariants.h"
 
 #include <string>

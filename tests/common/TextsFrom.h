@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/ModuleTexts.h"
+#include "support/module/ModuleTexts.h"
 
 /// Lets the code in the test program find its texts, dialogs and icons in a module, the built one as a rule.
 class TextsFrom

@@ -149,11 +149,11 @@ TEST_CASE("a configuration with CR LF line ends works as one with LF", "[diag][c
     const Configured configured(strText);
     REQUIRE(configured.Start());
     {
-        TRACE_FUNCTION("F");
+        const FunctionScope scope("F");
         LogParam("param");
     }
     {
-        TRACE_FUNCTION("Denied");
+        const FunctionScope scope("Denied");
         LogError("error");
     }
     CHECK(configured.Log().find("Param - param") != std::string::npos);
@@ -301,7 +301,7 @@ TEST_CASE("child: the end of a function without the module's category", "[.child
 {
     const Configured configured(kStrangerConfig);
     REQUIRE(configured.Start());
-    TRACE_FUNCTION("F");
+    const FunctionScope scope("F");
 }
 
 TEST_CASE("a log without the module's category stops the process", "[diag][config]")

@@ -129,7 +129,7 @@ TEST_CASE("a trace scope ends on every way out, an exception included", "[diag][
     bool bCaught = false;
     try
     {
-        TRACE_FUNCTION("Thrower");
+        const FunctionScope scope("Thrower");
         throw 7;
     }
     catch (int iValue)

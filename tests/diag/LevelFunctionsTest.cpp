@@ -298,9 +298,9 @@ TEST_CASE("a call site's line names the source module and the line", "[diag][lev
     const LoggingOn logging{"OutputParam"};
     const int iLine = __LINE__ + 3;
     {
-        TRACE_FUNCTION("F");
-        LOG_ERROR_WORDS("GetClientFolder failed.");
-        LOG_INVOKED();
+        const FunctionScope scope("F");
+        LOG_ERROR("GetClientFolder failed.");
+        LOG_INVOKED(scope);
     }
     CHECK(logging.Lines() ==
           Strings{"[ThreadID:#] ERROR - .\\Test(" + std::to_string(iLine) + ") : GetClientFolder failed.",

@@ -2,7 +2,7 @@
 /// Logging that is on for the length of a test.
 ///
 ///     LoggingOn logging{"OutputParam", "OutputFunBeginInfo"};
-///     { TRACE_FUNCTION("F"); LogParam("%s", "x"); }
+///     { const FunctionScope scope("F"); LogParam("%s", "x"); }
 ///     CHECK(logging.Lines() == std::vector<std::string>{"[ThreadID:#] VelUI_dll__F :START......", ...});
 
 #include "tests/common/TempFolder.h"

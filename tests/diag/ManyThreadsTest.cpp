@@ -37,7 +37,7 @@ constexpr int kCalls = 10000;
 
 void Inner(int iThread, int iCall)
 {
-    TRACE_FUNCTION("Inner");
+    const FunctionScope scope("Inner");
     LogInfo("%d:%d", iThread, iCall);
 }
 
@@ -46,7 +46,7 @@ DWORD WINAPI LogNested(void* pv)
     const int iThread = static_cast<int>(reinterpret_cast<INT_PTR>(pv));
     // A name of the thread's own, so that a frame of another thread would show.
     static constexpr const char* kNames[kThreads] = {"T0", "T1", "T2", "T3", "T4", "T5", "T6", "T7"};
-    TRACE_FUNCTION(kNames[iThread]);
+    const FunctionScope scope(kNames[iThread]);
     for (int i = 0; i < kCalls; ++i)
     {
         Inner(iThread, i);
@@ -56,7 +56,7 @@ DWORD WINAPI LogNested(void* pv)
 
 DWORD WINAPI LogOnce(void*)
 {
-    TRACE_FUNCTION("Once");
+    const FunctionScope scope("Once");
     LogInfo("once");
     return 0;
 }

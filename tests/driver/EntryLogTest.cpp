@@ -1,7 +1,7 @@
 // What each entry point writes around its body, in order, with everything switched on.
 
 #include "settings/DriverDevmode.h"
-#include "support/PrinterInterface.h"
+#include "support/module/PrinterInterface.h"
 #include "tests/common/ClientFixture.h"
 #include "tests/common/LogLines.h"
 

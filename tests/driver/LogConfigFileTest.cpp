@@ -1,4 +1,4 @@
-#include "driver/LogConfigFile.h"
+#include "driver/Module.h"
 #include "tests/common/PrivateRegistry.h"
 #include "tests/common/TempFolder.h"
 

@@ -1,6 +1,6 @@
 #include "diag/Log.h"
 #include "driver/Module.h"
-#include "support/Resource.h"
+#include "support/module/Resource.h"
 #include "tests/common/BuiltModule.h"
 #include "tests/common/PrivateRegistry.h"
 #include "tests/common/TempFolder.h"

@@ -1,7 +1,7 @@
 // Printer events through a copy of the built DLL in a folder of the test's own, with stand-ins for its tools beside it.
 
-#include "driver/DependsFile.h"
-#include "support/PrinterInterface.h"
+#include "driver/PrinterEvent.h"
+#include "support/module/PrinterInterface.h"
 #include "tests/common/Handles.h"
 #include "tests/common/LogLines.h"
 #include "tests/common/PrivateRegistry.h"

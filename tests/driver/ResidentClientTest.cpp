@@ -4,7 +4,7 @@
 #include "diag/Log.h"
 #include "driver/ResidentClient.h"
 #include "support/Exception.h"
-#include "support/ProcessWalk.h"
+#include "support/ProcessUtilities.h"
 #include "tests/common/Handles.h"
 #include "tests/common/ChildProcess.h"
 #include "tests/common/BuiltModule.h"

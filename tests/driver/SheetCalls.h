@@ -1,7 +1,7 @@
 #pragma once
 /// Calls of the sheet entry points as the sheet library makes them, without a sheet behind them.
 
-#include "settings/SheetData.h"
+#include "ui/SheetData.h"
 #include "tests/ui/SheetDataFixture.h"
 
 #include <prsht.h>

@@ -5,7 +5,7 @@
 
 #include "driver/ResidentClient.h"
 #include "state/MachineIdentity.h"
-#include "support/PrinterInterface.h"
+#include "support/module/PrinterInterface.h"
 #include "tests/common/StandIns.h"
 #include "tests/faults/FaultFixture.h"
 

@@ -4,11 +4,12 @@
 
 #include "settings/DefaultRecord.h"
 #include "settings/PaperCatalogue.h"
-#include "state/ClientConfig.h"
-#include "state/ComputerCaps.h"
+#include "state/ConfigFile.h"
+#include "state/UserIniFiles.h"
+#include "state/CapabilitySnapshot.h"
 #include "state/CurrentUser.h"
-#include "state/PrinterConfig.h"
-#include "state/UserRecords.h"
+#include "state/DataFiles.h"
+#include "state/MessageFiles.h"
 #include "tests/driver/SheetCalls.h"
 #include "tests/faults/FaultFixture.h"
 

@@ -11,9 +11,9 @@
 #include "settings/ConvertDevmode.h"
 #include "settings/DefaultRecord.h"
 #include "settings/PaperCatalogue.h"
-#include "state/ComputerCaps.h"
+#include "state/CapabilitySnapshot.h"
 #include "support/CommandLine.h"
-#include "support/PrinterInterface.h"
+#include "support/module/PrinterInterface.h"
 #include "tests/common/ClientFixture.h"
 #include "tests/fuzz/GuardedArena.h"
 

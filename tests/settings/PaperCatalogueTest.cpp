@@ -6,6 +6,7 @@
 #include "tests/common/ImportHook.h"
 #include "tests/common/LogLines.h"
 #include "tests/ui/SheetDataFixture.h"
+#include "ui/PaperControls.h"
 
 #include <catch2/catch.hpp>
 

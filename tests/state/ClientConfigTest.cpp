@@ -1,5 +1,6 @@
-#include "state/ClientConfig.h"
-#include "state/PrinterConfig.h"
+#include "state/ConfigFile.h"
+#include "state/UserIniFiles.h"
+#include "state/CapabilitySnapshot.h"
 #include "tests/common/ClientFixture.h"
 
 #include <catch2/catch.hpp>

@@ -1,4 +1,4 @@
-#include "state/ComputerCaps.h"
+#include "state/CapabilitySnapshot.h"
 #include "tests/common/ClientFixture.h"
 #include "tests/common/GuardedBuffer.h"
 

@@ -1,6 +1,6 @@
 // Sixteen processes over the store's files, some of them ended at random moments while they hold a lock.
 
-#include "state/ComputerCaps.h"
+#include "state/CapabilitySnapshot.h"
 #include "state/FileLocker.h"
 #include "tests/common/ClientFixture.h"
 #include "tests/common/LockHolder.h"

@@ -1,8 +1,9 @@
 // With which rights keys, files, mutexes and tokens are asked for: what a call needs, and no more.
 
-#include "driver/LogConfigFile.h"
-#include "state/UserRecords.h"
-#include "support/Account.h"
+#include "driver/Module.h"
+#include "state/DataFiles.h"
+#include "state/MessageFiles.h"
+#include "support/ProcessUtilities.h"
 #include "tests/common/ImportHook.h"
 #include "tests/ui/SheetDataFixture.h"
 

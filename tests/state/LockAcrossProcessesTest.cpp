@@ -1,6 +1,5 @@
-#include "state/ComputerCaps.h"
+#include "state/CapabilitySnapshot.h"
 #include "state/FileLocker.h"
-#include "state/PrinterConfig.h"
 #include "tests/common/ClientFixture.h"
 #include "tests/common/LockHolder.h"
 

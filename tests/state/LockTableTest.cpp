@@ -1,9 +1,10 @@
 // Which calls wait for a file's lock, and which do not.
 
-#include "state/ClientConfig.h"
-#include "state/ComputerCaps.h"
-#include "state/PrinterConfig.h"
-#include "state/UserRecords.h"
+#include "state/ConfigFile.h"
+#include "state/UserIniFiles.h"
+#include "state/CapabilitySnapshot.h"
+#include "state/DataFiles.h"
+#include "state/MessageFiles.h"
 #include "tests/common/ClientFixture.h"
 #include "tests/common/LockHolder.h"
 

@@ -1,5 +1,4 @@
-#include "state/ComputerCaps.h"
-#include "state/PrinterConfig.h"
+#include "state/CapabilitySnapshot.h"
 #include "tests/common/ClientFixture.h"
 #include "tests/common/LockHolder.h"
 

@@ -1,4 +1,4 @@
-#include "state/ProfileWriter.h"
+#include "state/Profile.h"
 #include "tests/common/TempFolder.h"
 
 #include <catch2/catch.hpp>

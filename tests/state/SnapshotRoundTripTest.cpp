@@ -1,7 +1,6 @@
 // A snapshot written by MakePrinterConfig, read back by GetComputerCaps.
 
-#include "state/ComputerCaps.h"
-#include "state/PrinterConfig.h"
+#include "state/CapabilitySnapshot.h"
 #include "tests/common/ClientFixture.h"
 #include "tests/common/GuardedBuffer.h"
 

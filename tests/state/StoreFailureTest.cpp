@@ -1,10 +1,10 @@
 // What survives when a platform call fails in the middle, made at the import table.
 
-#include "state/ComputerCaps.h"
+#include "state/CapabilitySnapshot.h"
 #include "state/CurrentUser.h"
-#include "state/PrinterConfig.h"
-#include "state/ProfileWriter.h"
-#include "state/UserRecords.h"
+#include "state/Profile.h"
+#include "state/DataFiles.h"
+#include "state/MessageFiles.h"
 #include "tests/common/ClientFixture.h"
 #include "tests/common/ImportHook.h"
 

@@ -1,11 +1,10 @@
 // The lines that the store leaves in the log.
 
 #include "state/BaseMutex.h"
-#include "state/ComputerCaps.h"
+#include "state/CapabilitySnapshot.h"
 #include "state/CurrentUser.h"
 #include "state/FileLocker.h"
-#include "state/PrinterConfig.h"
-#include "state/ProfileWriter.h"
+#include "state/Profile.h"
 #include "state/PsFolder.h"
 #include "state/StorePaths.h"
 #include "tests/common/ClientFixture.h"

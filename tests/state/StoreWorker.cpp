@@ -7,9 +7,8 @@
 // VIEW is the key below HKEY_CURRENT_USER that takes the place of HKEY_LOCAL_MACHINE. Prints one line and ends with 0
 // when every answer was whole, with 1 when not, with 2 when it was called wrongly.
 
-#include "state/ComputerCaps.h"
-#include "state/PrinterConfig.h"
-#include "state/UserRecords.h"
+#include "state/CapabilitySnapshot.h"
+#include "state/MessageFiles.h"
 
 #include <windows.h>
 

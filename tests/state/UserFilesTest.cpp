@@ -1,4 +1,5 @@
-#include "state/UserRecords.h"
+#include "state/DataFiles.h"
+#include "state/MessageFiles.h"
 #include "tests/common/BuiltModule.h"
 #include "tests/common/ChildProcess.h"
 #include "tests/common/ClientFixture.h"

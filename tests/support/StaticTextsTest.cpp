@@ -1,5 +1,4 @@
-#include "support/NetworkErrorTexts.h"
-#include "support/PrintEnvironments.h"
+#include "support/StaticTexts.h"
 
 #include <catch2/catch.hpp>
 

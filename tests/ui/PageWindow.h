@@ -1,7 +1,7 @@
 #pragma once
 /// One page as a real window, without a sheet: its parent is a plain window that counts what the page tells it.
 
-#include "support/Resource.h"
+#include "support/module/Resource.h"
 
 #include <windows.h>
 #include <commctrl.h>

@@ -4,6 +4,7 @@
 #include "tests/common/ImportHook.h"
 #include "tests/ui/PageWindow.h"
 #include "tests/ui/SheetDataFixture.h"
+#include "ui/PaperControls.h"
 #include "ui/SettingsPage.h"
 
 /// A dialog procedure that handles nothing.

@@ -3,7 +3,8 @@
 #include "tests/common/LogLines.h"
 #include "tests/ui/BoxWatcher.h"
 #include "tests/ui/SettingsFixture.h"
-#include "ui/NumberBox.h"
+#include "ui/Controls.h"
+#include "ui/OtherControls.h"
 
 #include <catch2/catch.hpp>
 

@@ -1,7 +1,6 @@
 #include "tests/common/ClientFixture.h"
 
-#include "state/ComputerCaps.h"
-#include "state/PrinterConfig.h"
+#include "state/CapabilitySnapshot.h"
 #include "tools/velhost/Snapshot.h"
 
 #include <catch2/catch.hpp>

@@ -1,4 +1,4 @@
-#include "state/ClientConfig.h"
+#include "state/ConfigFile.h"
 #include "tests/common/ClientFixture.h"
 #include "tools/velhost/StoreKeys.h"
 

@@ -1,6 +1,6 @@
 #include "driver/ResidentClient.h"
 #include "state/MachineIdentity.h"
-#include "support/Account.h"
+#include "support/ProcessUtilities.h"
 #include "support/Exception.h"
 #include "tools/velhost/CommandError.h"
 #include "tools/velhost/Commands.h"

@@ -1,4 +1,4 @@
-#include "support/PrinterInterface.h"
+#include "support/module/PrinterInterface.h"
 #include "settings/DriverDevmode.h"
 #include "tools/velhost/BinaryFile.h"
 #include "tools/velhost/CommandError.h"

@@ -1,4 +1,4 @@
-#include "state/UserRecords.h"
+#include "state/DataFiles.h"
 #include "tools/velhost/BinaryFile.h"
 #include "tools/velhost/CommandError.h"
 #include "tools/velhost/Commands.h"

@@ -1,4 +1,4 @@
-#include "support/PrinterInterface.h"
+#include "support/module/PrinterInterface.h"
 #include "tools/velhost/CommandError.h"
 #include "tools/velhost/Commands.h"
 #include "tools/velhost/HostModule.h"

@@ -1,5 +1,5 @@
 #include "settings/DriverDevmode.h"
-#include "support/PrinterInterface.h"
+#include "support/module/PrinterInterface.h"
 #include "tools/velhost/BinaryFile.h"
 #include "tools/velhost/CommandError.h"
 #include "tools/velhost/Commands.h"

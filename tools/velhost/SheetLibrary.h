@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/PrinterInterface.h"
+#include "support/module/PrinterInterface.h"
 
 #include <prsht.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "state/PrinterCaps.h"
+#include "state/CapabilityTable.h"
 #include "tools/velhost/CapsQuery.h"
 
 #include <vector>

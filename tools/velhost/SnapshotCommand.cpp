@@ -1,5 +1,5 @@
 #include "state/FileLocker.h"
-#include "state/PrinterConfig.h"
+#include "state/CapabilitySnapshot.h"
 #include "state/PsFolder.h"
 #include "state/StoreTypes.h"
 #include "tools/velhost/BinaryFile.h"

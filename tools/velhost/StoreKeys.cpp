@@ -1,8 +1,10 @@
 #include "tools/velhost/StoreKeys.h"
 
-#include "state/ClientConfig.h"
+#include "state/ConfigFile.h"
+#include "state/UserIniFiles.h"
 #include "state/CurrentUser.h"
-#include "state/UserRecords.h"
+#include "state/DataFiles.h"
+#include "state/MessageFiles.h"
 #include "tools/velhost/Utf8.h"
 
 #include <cstdio>
