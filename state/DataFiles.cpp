@@ -131,7 +131,7 @@ DWORD GetDevDef(DEVMODEW* pstuDevmode)
         return PSERR_FAILED;
     }
     FileStream stream;
-    const auto pbyRecord = AllocateArray<BYTE>(kDevModeBytes);
+    const MallocPtr<BYTE[]> pbyRecord(static_cast<BYTE*>(std::malloc(kDevModeBytes)));
     if (!pbyRecord)
     {
         LOG_ERROR("malloc failed. size = %u", static_cast<unsigned>(kDevModeBytes));
