@@ -1,4 +1,4 @@
-#include "tools/velhost/GuardedRoom.h"
+#include "tools/velhost/host/GuardedRoom.h"
 
 #include <catch2/catch.hpp>
 

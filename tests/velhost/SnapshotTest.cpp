@@ -2,7 +2,7 @@
 
 #include "state/ComputerCaps.h"
 #include "state/PrinterConfig.h"
-#include "tools/velhost/Snapshot.h"
+#include "tools/velhost/host/Snapshot.h"
 
 #include <catch2/catch.hpp>
 

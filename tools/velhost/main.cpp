@@ -2,10 +2,10 @@
 
 #include <windows.h>
 
-#include "tools/velhost/CommandError.h"
-#include "tools/velhost/Commands.h"
-#include "tools/velhost/Output.h"
-#include "tools/velhost/Utf8.h"
+#include "tools/velhost/commands/Commands.h"
+#include "tools/velhost/report/CommandError.h"
+#include "tools/velhost/report/Output.h"
+#include "tools/velhost/report/Utf8.h"
 
 #include <exception>
 #include <string>

@@ -1,0 +1,155 @@
+#include "tools/velhost/host/CapsQuery.h"
+
+#include "tools/velhost/host/GuardedRoom.h"
+#include "tools/velhost/host/Spooler.h"
+
+#include <algorithm>
+
+namespace VelHost
+{
+namespace
+{
+
+/// Lists of more entries are not fetched: no printer has so many, and the count may be nonsense.
+constexpr DWORD kMostEntries = 65535;
+
+} // namespace
+
+const std::vector<CapsCode>& CapsCodes()
+{
+    static const std::vector<CapsCode> codes = {
+        {0, "-", CapsForm::Unspecified},
+        {DC_FIELDS, "DC_FIELDS", CapsForm::Number},
+        {DC_PAPERS, "DC_PAPERS", CapsForm::Identifiers},
+        {DC_PAPERSIZE, "DC_PAPERSIZE", CapsForm::Sizes},
+        {DC_MINEXTENT, "DC_MINEXTENT", CapsForm::Extent},
+        {DC_MAXEXTENT, "DC_MAXEXTENT", CapsForm::Extent},
+        {DC_BINS, "DC_BINS", CapsForm::Identifiers},
+        {DC_DUPLEX, "DC_DUPLEX", CapsForm::Number},
+        {DC_SIZE, "DC_SIZE", CapsForm::Number},
+        {DC_EXTRA, "DC_EXTRA", CapsForm::Number},
+        {DC_VERSION, "DC_VERSION", CapsForm::Number},
+        {DC_DRIVER, "DC_DRIVER", CapsForm::Number},
+        {DC_BINNAMES, "DC_BINNAMES", CapsForm::BinNames},
+        {DC_ENUMRESOLUTIONS, "DC_ENUMRESOLUTIONS", CapsForm::Resolutions},
+        {DC_FILEDEPENDENCIES, "DC_FILEDEPENDENCIES", CapsForm::WideNames},
+        {DC_TRUETYPE, "DC_TRUETYPE", CapsForm::Number},
+        {DC_PAPERNAMES, "DC_PAPERNAMES", CapsForm::WideNames},
+        {DC_ORIENTATION, "DC_ORIENTATION", CapsForm::Number},
+        {DC_COPIES, "DC_COPIES", CapsForm::Number},
+        {DC_BINADJUST, "DC_BINADJUST", CapsForm::Number},
+        {DC_EMF_COMPLIANT, "DC_EMF_COMPLIANT", CapsForm::Number},
+        {DC_DATATYPE_PRODUCED, "DC_DATATYPE_PRODUCED", CapsForm::Unspecified},
+        {DC_COLLATE, "DC_COLLATE", CapsForm::Number},
+        {DC_MANUFACTURER, "DC_MANUFACTURER", CapsForm::Unspecified},
+        {DC_MODEL, "DC_MODEL", CapsForm::Unspecified},
+        {DC_PERSONALITY, "DC_PERSONALITY", CapsForm::LanguageNames},
+        {DC_PRINTRATE, "DC_PRINTRATE", CapsForm::Number},
+        {DC_PRINTRATEUNIT, "DC_PRINTRATEUNIT", CapsForm::Number},
+        {DC_PRINTERMEM, "DC_PRINTERMEM", CapsForm::Number},
+        {DC_MEDIAREADY, "DC_MEDIAREADY", CapsForm::WideNames},
+        {DC_STAPLE, "DC_STAPLE", CapsForm::Number},
+        {DC_PRINTRATEPPM, "DC_PRINTRATEPPM", CapsForm::Number},
+        {DC_COLORDEVICE, "DC_COLORDEVICE", CapsForm::Number},
+        {DC_NUP, "DC_NUP", CapsForm::Numbers},
+        {DC_MEDIATYPENAMES, "DC_MEDIATYPENAMES", CapsForm::WideNames},
+        {DC_MEDIATYPES, "DC_MEDIATYPES", CapsForm::Numbers},
+        {36, "-", CapsForm::Unspecified},
+    };
+    return codes;
+}
+
+CapsCode FindCapsCode(WORD wCode)
+{
+    const auto found = std::find_if(CapsCodes().begin(), CapsCodes().end(),
+                                    [wCode](const CapsCode& code) { return code.wCode == wCode; });
+    return found == CapsCodes().end() ? CapsCode{wCode, "-", CapsForm::Unspecified} : *found;
+}
+
+size_t EntryBytes(CapsForm form)
+{
+    switch (form)
+    {
+    case CapsForm::Identifiers:
+        return sizeof(WORD);
+    case CapsForm::Numbers:
+        return sizeof(DWORD);
+    case CapsForm::Sizes:
+        return sizeof(POINT);
+    case CapsForm::Resolutions:
+        return 2 * sizeof(LONG);
+    case CapsForm::LanguageNames:
+        return 32 * sizeof(wchar_t);
+    case CapsForm::BinNames:
+        return 24 * sizeof(wchar_t);
+    case CapsForm::WideNames:
+        return 64 * sizeof(wchar_t);
+    default:
+        return 0;
+    }
+}
+
+CapsAnswer QueryCaps(const AskCaps& ask, const CapsCode& code)
+{
+    CapsAnswer answer;
+    answer.code = code;
+    answer.dwAnswer = ask(code.wCode, nullptr);
+    const size_t cbEntry = EntryBytes(code.form);
+    if (cbEntry == 0 || answer.IsRefused() || answer.dwAnswer == 0)
+    {
+        return answer;
+    }
+    if (answer.dwAnswer > kMostEntries)
+    {
+        answer.strNote = "too many entries, not fetched";
+        return answer;
+    }
+
+    GuardedRoom room(answer.dwAnswer * cbEntry);
+    room.FillWithCanary();
+    answer.dwFillAnswer = ask(code.wCode, room.Data());
+    answer.cbOverrun = room.OverrunBytes();
+    if (answer.cbOverrun != 0)
+    {
+        answer.strNote = "wrote " + std::to_string(answer.cbOverrun) + " bytes behind the room";
+    }
+    else if (answer.dwFillAnswer == kRefused)
+    {
+        answer.strNote = "the list is refused when asked with room";
+    }
+    else if (answer.dwFillAnswer != answer.dwAnswer)
+    {
+        answer.strNote = "the list has " + std::to_string(answer.dwFillAnswer) + " entries when asked with room";
+    }
+    else if (!room.WasWritten())
+    {
+        answer.strNote = "no entry was written";
+    }
+    if (answer.dwFillAnswer != kRefused && room.WasWritten())
+    {
+        answer.entries.assign(room.Data(), room.Data() + room.Size());
+    }
+    return answer;
+}
+
+std::vector<CapsAnswer> QueryAllCaps(const AskCaps& ask)
+{
+    std::vector<CapsAnswer> answers;
+    for (const CapsCode& code : CapsCodes())
+    {
+        answers.push_back(QueryCaps(ask, code));
+    }
+    return answers;
+}
+
+AskCaps SpoolerCaps(const std::wstring& strPrinter)
+{
+    // Some spoolers answer 0 for an unknown printer, which would look like an empty list.
+    const PrinterDescription description = DescribePrinter(strPrinter);
+    return [description](WORD wCode, void* pvRoom) {
+        return static_cast<DWORD>(DeviceCapabilitiesW(description.strName.c_str(), description.strPort.c_str(), wCode,
+                                                      static_cast<LPWSTR>(pvRoom), nullptr));
+    };
+}
+
+} // namespace VelHost

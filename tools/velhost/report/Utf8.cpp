@@ -1,0 +1,60 @@
+#include "tools/velhost/report/Utf8.h"
+
+#include <windows.h>
+#include <shellapi.h>
+
+#include <memory>
+
+namespace VelHost
+{
+
+std::string ToUtf8(std::wstring_view strText)
+{
+    if (strText.empty())
+    {
+        return {};
+    }
+    const int cchText = static_cast<int>(strText.size());
+    const int cbResult = WideCharToMultiByte(CP_UTF8, 0, strText.data(), cchText, nullptr, 0, nullptr, nullptr);
+    std::string strResult(static_cast<size_t>(cbResult), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, strText.data(), cchText, strResult.data(), cbResult, nullptr, nullptr);
+    return strResult;
+}
+
+std::wstring FromUtf8(std::string_view strText)
+{
+    if (strText.empty())
+    {
+        return {};
+    }
+    const int cbText = static_cast<int>(strText.size());
+    const int cchResult = MultiByteToWideChar(CP_UTF8, 0, strText.data(), cbText, nullptr, 0);
+    std::wstring strResult(static_cast<size_t>(cchResult), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, strText.data(), cbText, strResult.data(), cchResult);
+    return strResult;
+}
+
+std::wstring CellText(const wchar_t* pszCell, size_t cchCell)
+{
+    size_t cchText = 0;
+    while (cchText < cchCell && pszCell[cchText] != L'\0')
+    {
+        ++cchText;
+    }
+    return std::wstring(pszCell, cchText);
+}
+
+std::vector<std::string> CommandLineUtf8()
+{
+    int iCount = 0;
+    const std::unique_ptr<LPWSTR, decltype(&LocalFree)> pArguments(CommandLineToArgvW(GetCommandLineW(), &iCount),
+                                                                   &LocalFree);
+    std::vector<std::string> arguments;
+    for (int i = 0; pArguments && i < iCount; ++i)
+    {
+        arguments.push_back(ToUtf8(pArguments.get()[i]));
+    }
+    return arguments;
+}
+
+} // namespace VelHost
