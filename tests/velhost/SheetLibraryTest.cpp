@@ -1,7 +1,6 @@
 // The host's sheet library, driven by sheet functions of the test's own.
 
 #include "tests/ui/OpenSheet.h"
-#include "tools/velhost/sheet/SheetFont.h"
 #include "tools/velhost/sheet/SheetLibrary.h"
 
 #include <catch2/catch.hpp>

@@ -3,9 +3,8 @@
 #include <windows.h>
 
 #include "tools/velhost/commands/Commands.h"
-#include "tools/velhost/report/CommandError.h"
+#include "tools/velhost/report/Encoding.h"
 #include "tools/velhost/report/Output.h"
-#include "tools/velhost/report/Utf8.h"
 
 #include <exception>
 #include <string>
@@ -14,15 +13,6 @@
 
 namespace
 {
-
-using AddCommand = void (*)(CLI::App& program, int& iExitCode);
-
-const AddCommand kCommands[] = {
-    &VelHost::AddInstallCommand, &VelHost::AddUninstallCommand, &VelHost::AddCapsCommand,  &VelHost::AddSplCapsCommand,
-    &VelHost::AddConvertCommand, &VelHost::AddSnapshotCommand,  &VelHost::AddEventCommand, &VelHost::AddClientCommand,
-    &VelHost::AddMachineCommand, &VelHost::AddSettingsCommand,  &VelHost::AddSetCommand,   &VelHost::AddDevmodeCommand,
-    &VelHost::AddSheetCommand,   &VelHost::AddLogCommand,
-};
 
 /// @return the message on one line.
 std::string OneLine(std::string strText)
@@ -43,10 +33,7 @@ int Run(std::vector<std::string> arguments)
     program.require_subcommand(1);
     // A path may begin with '/'.
     program.allow_windows_style_options(false);
-    for (const AddCommand addCommand : kCommands)
-    {
-        addCommand(program, iExitCode);
-    }
+    VelHost::AddCommands(program, iExitCode);
 
     std::vector<char*> argv;
     for (std::string& strArgument : arguments)

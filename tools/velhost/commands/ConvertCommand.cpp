@@ -1,13 +1,13 @@
 #include "settings/DriverDevmode.h"
 #include "support/PrinterInterface.h"
 #include "tools/velhost/commands/Commands.h"
-#include "tools/velhost/host/BinaryFile.h"
-#include "tools/velhost/host/GuardedRoom.h"
+#include "tools/velhost/host/CanaryBuffer.h"
+#include "tools/velhost/host/Files.h"
 #include "tools/velhost/host/HostModule.h"
-#include "tools/velhost/report/CommandError.h"
 #include "tools/velhost/report/DevmodeReport.h"
+#include "tools/velhost/report/Encoding.h"
+#include "tools/velhost/report/Output.h"
 #include "tools/velhost/report/Table.h"
-#include "tools/velhost/report/Utf8.h"
 
 #include <algorithm>
 #include <cstring>
@@ -28,7 +28,7 @@ struct ConvertOptions
     std::string strOut;
     std::optional<WORD> wOutSize;  ///< bytes; dmSize of an output record made for the call
     std::optional<WORD> wOutExtra; ///< bytes; its dmDriverExtra
-    std::optional<LONG> lRoom;     ///< bytes; what *pcbNeeded says before the call
+    std::optional<LONG> lNeeded;   ///< bytes; what *pcbNeeded says before the call
     std::string strSave;
     bool bJson = false;
 };
@@ -40,7 +40,7 @@ struct ConvertResult
     DWORD dwLastError = 0;
     LONG lNeededBefore = 0; ///< bytes
     LONG lNeededAfter = 0;  ///< bytes
-    size_t cbOverrun = 0;   ///< bytes that were changed behind the output's room
+    size_t cbOverrun = 0;   ///< bytes that were changed behind the output's buffer
 };
 
 /// The mode of the default record, with an output of a whole record unless another was asked for.
@@ -57,12 +57,8 @@ void UseDefaultMode(ConvertOptions& options)
 /// Reads a record file; what it declares beyond its end reads as 0.
 std::vector<BYTE> ReadRecord(const std::string& strFile)
 {
-    std::vector<BYTE> record = ReadBinaryFile(FullPath(FromUtf8(strFile)));
-    if (record.size() < kDevmodeHeaderBytes)
-    {
-        throw CommandError(strFile + " has " + std::to_string(record.size()) + " bytes; a record's header has " +
-                           std::to_string(kDevmodeHeaderBytes));
-    }
+    std::vector<BYTE> record = ReadBinaryFile(AbsolutePath(strFile));
+    RequireDevmodeHeader(record, strFile);
     record.resize(std::max(record.size(), DevmodeDeclaredBytes(record.data())));
     return record;
 }
@@ -86,26 +82,26 @@ std::vector<BYTE> OutputRecord(const ConvertOptions& options)
     return record;
 }
 
-/// Copies a record into guarded room; no room for no record.
-std::unique_ptr<GuardedRoom> RoomOf(const std::vector<BYTE>& record, size_t cbRoom)
+/// Copies a record into a watched buffer; none for no record.
+std::unique_ptr<CanaryBuffer> BufferOf(const std::vector<BYTE>& record, size_t cbLeast)
 {
     if (record.empty())
     {
         return nullptr;
     }
-    auto pRoom = std::make_unique<GuardedRoom>(std::max(record.size(), cbRoom));
-    std::memcpy(pRoom->Data(), record.data(), record.size());
-    return pRoom;
+    auto pBuffer = std::make_unique<CanaryBuffer>(std::max(record.size(), cbLeast));
+    std::memcpy(pBuffer->Data(), record.data(), record.size());
+    return pBuffer;
 }
 
-ConvertResult CallConvert(const ConvertOptions& options, GuardedRoom* pIn, GuardedRoom* pOut, LONG lRoom)
+ConvertResult CallConvert(const ConvertOptions& options, CanaryBuffer* pIn, CanaryBuffer* pOut, LONG lNeeded)
 {
     const HostModule module(ModulePath(options.strModule));
     auto* const pfnConvert = module.Get<decltype(DrvConvertDevMode)>("DrvConvertDevMode");
     std::wstring strPrinter = FromUtf8(options.strPrinter);
     ConvertResult result;
-    result.lNeededBefore = lRoom;
-    result.lNeededAfter = lRoom;
+    result.lNeededBefore = lNeeded;
+    result.lNeededAfter = lNeeded;
     SetLastError(ERROR_SUCCESS);
     result.bResult = pfnConvert(strPrinter.data(), pIn == nullptr ? nullptr : reinterpret_cast<DEVMODEW*>(pIn->Data()),
                                 pOut == nullptr ? nullptr : reinterpret_cast<DEVMODEW*>(pOut->Data()),
@@ -115,7 +111,7 @@ ConvertResult CallConvert(const ConvertOptions& options, GuardedRoom* pIn, Guard
     return result;
 }
 
-void PrintResult(const ConvertOptions& options, const ConvertResult& result, const GuardedRoom* pOut)
+void PrintResult(const ConvertOptions& options, const ConvertResult& result, const CanaryBuffer* pOut)
 {
     if (options.bJson)
     {
@@ -152,14 +148,15 @@ int RunConvert(const ConvertOptions& options)
     }
     const std::vector<BYTE> in = options.strIn.empty() ? std::vector<BYTE>() : ReadRecord(options.strIn);
     const std::vector<BYTE> out = OutputRecord(options);
-    const LONG lRoom = options.lRoom.value_or(out.empty() ? 0 : static_cast<LONG>(DevmodeDeclaredBytes(out.data())));
-    const auto pIn = RoomOf(in, 0);
-    const auto pOut = RoomOf(out, lRoom > 0 ? static_cast<size_t>(lRoom) : 0);
+    const LONG lNeeded =
+        options.lNeeded.value_or(out.empty() ? 0 : static_cast<LONG>(DevmodeDeclaredBytes(out.data())));
+    const auto pIn = BufferOf(in, 0);
+    const auto pOut = BufferOf(out, lNeeded > 0 ? static_cast<size_t>(lNeeded) : 0);
 
-    const ConvertResult result = CallConvert(options, pIn.get(), pOut.get(), lRoom);
+    const ConvertResult result = CallConvert(options, pIn.get(), pOut.get(), lNeeded);
     if (!options.strSave.empty())
     {
-        WriteBinaryFile(FullPath(FromUtf8(options.strSave)), pOut->Data(),
+        WriteBinaryFile(AbsolutePath(options.strSave), pOut->Data(),
                         std::min(pOut->Size(), DevmodeDeclaredBytes(pOut->Data())));
     }
     PrintResult(options, result, pOut.get());
@@ -170,13 +167,12 @@ int RunConvert(const ConvertOptions& options)
 
 void AddConvertCommand(CLI::App& program, int& iExitCode)
 {
-    constexpr LONG kMostRoom = 16 * 1024 * 1024;
+    constexpr LONG kMostNeeded = 16 * 1024 * 1024;
     CLI::App* const pCommand = program.add_subcommand(
         "convert", "Calls the module's DrvConvertDevMode with records from files, and prints what it did.\n"
                    "Exit code 1 when it returns 0.");
     const auto pOptions = std::make_shared<ConvertOptions>();
-    pCommand->add_option("--module", pOptions->strModule, "The module; VelUI.dll beside this program by default")
-        ->type_name("PATH");
+    AddModuleOption(*pCommand, pOptions->strModule);
     CLI::Option* const pMode = pCommand
                                    ->add_option("--mode", pOptions->dwMode,
                                                 "1 converts, 2 converts to the oldest form, 4 asks for the default")
@@ -194,13 +190,13 @@ void AddConvertCommand(CLI::App& program, int& iExitCode)
         ->type_name("BYTES")
         ->excludes(pOut);
     pCommand
-        ->add_option("--room", pOptions->lRoom,
+        ->add_option("--room", pOptions->lNeeded,
                      "*pcbNeeded before the call; by default the size that the output record declares")
         ->type_name("BYTES")
-        ->check(CLI::Range(-kMostRoom, kMostRoom));
+        ->check(CLI::Range(-kMostNeeded, kMostNeeded));
     pCommand->add_option("--save", pOptions->strSave, "Write the output record here")->type_name("FILE");
-    pCommand->add_option("--printer", pOptions->strPrinter, "The printer")->type_name("NAME")->capture_default_str();
-    pCommand->add_flag("--json", pOptions->bJson, "Print JSON instead of tables");
+    AddPrinterOption(*pCommand, pOptions->strPrinter);
+    AddJsonFlag(*pCommand, pOptions->bJson, "Print JSON instead of tables");
     pCommand->callback([pOptions, pMode, pDefault, &iExitCode] {
         if (pDefault->count() != 0)
         {

@@ -1,10 +1,9 @@
 #include "state/UserRecords.h"
 #include "tools/velhost/commands/Commands.h"
-#include "tools/velhost/host/BinaryFile.h"
-#include "tools/velhost/host/HostModule.h"
+#include "tools/velhost/host/Files.h"
 #include "tools/velhost/report/CommandError.h"
 #include "tools/velhost/report/DevmodeReport.h"
-#include "tools/velhost/report/Utf8.h"
+#include "tools/velhost/report/Output.h"
 
 #include <memory>
 
@@ -23,7 +22,7 @@ std::vector<BYTE> RecordOf(const DevmodeOptions& options)
 {
     if (!options.strFile.empty())
     {
-        return ReadBinaryFile(FullPath(FromUtf8(options.strFile)));
+        return ReadBinaryFile(AbsolutePath(options.strFile));
     }
     std::vector<BYTE> record(sizeof(DEVMODEW));
     if (VelUtility::GetDevDef(reinterpret_cast<DEVMODEW*>(record.data())) != 0)
@@ -36,11 +35,7 @@ std::vector<BYTE> RecordOf(const DevmodeOptions& options)
 int RunDevmode(const DevmodeOptions& options)
 {
     const std::vector<BYTE> record = RecordOf(options);
-    if (record.size() < kDevmodeHeaderBytes)
-    {
-        throw CommandError(options.strFile + " has " + std::to_string(record.size()) +
-                           " bytes; a record's header has " + std::to_string(kDevmodeHeaderBytes));
-    }
+    RequireDevmodeHeader(record, options.strFile);
     const DevmodeReport report = ReadDevmode(record.data(), record.size());
     options.bJson ? PrintJson(DevmodeToJson(report)) : Print(DevmodeTable(report));
     return kExitGood;
@@ -57,7 +52,7 @@ void AddDevmodeCommand(CLI::App& program, int& iExitCode)
     CLI::Option* const pStored =
         pCommand->add_flag("--stored", "The current user's DevMode.dat (without a file the default)");
     pStored->excludes(pFile);
-    pCommand->add_flag("--json", pOptions->bJson, "Print JSON instead of a table");
+    AddJsonFlag(*pCommand, pOptions->bJson);
     pCommand->callback([pOptions, &iExitCode] { iExitCode = RunDevmode(*pOptions); });
 }
 

@@ -1,9 +1,8 @@
 #include "support/PrinterInterface.h"
 #include "tools/velhost/commands/Commands.h"
 #include "tools/velhost/host/HostModule.h"
-#include "tools/velhost/report/CommandError.h"
-#include "tools/velhost/report/ItemReport.h"
-#include "tools/velhost/report/Utf8.h"
+#include "tools/velhost/report/Encoding.h"
+#include "tools/velhost/report/Output.h"
 
 #include <map>
 #include <memory>
@@ -61,11 +60,10 @@ void AddEventCommand(CLI::App& program, int& iExitCode)
     pCommand->add_option("NAME", pOptions->iEvent, "The event, by number or as one of " + strNames)
         ->required()
         ->transform(CLI::Transformer(kEventNames, CLI::ignore_case));
-    pCommand->add_option("--module", pOptions->strModule, "The module; VelUI.dll beside this program by default")
-        ->type_name("PATH");
-    pCommand->add_option("--printer", pOptions->strPrinter, "The printer")->type_name("NAME")->capture_default_str();
+    AddModuleOption(*pCommand, pOptions->strModule);
+    AddPrinterOption(*pCommand, pOptions->strPrinter);
     pCommand->add_option("--flags", pOptions->dwFlags, "The event's flags; 1 forbids windows")->type_name("N");
-    pCommand->add_flag("--json", pOptions->bJson, "Print JSON instead of a table");
+    AddJsonFlag(*pCommand, pOptions->bJson);
     pCommand->callback([pOptions, &iExitCode] { iExitCode = RunEvent(*pOptions); });
 }
 

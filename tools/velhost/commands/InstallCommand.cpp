@@ -1,12 +1,13 @@
 #include "tools/velhost/commands/Commands.h"
+#include "tools/velhost/host/Files.h"
 #include "tools/velhost/host/HostModule.h"
 #include "tools/velhost/host/Spooler.h"
 #include "tools/velhost/install/ClientFolders.h"
 #include "tools/velhost/install/LogSetup.h"
 #include "tools/velhost/report/CommandError.h"
+#include "tools/velhost/report/Encoding.h"
 #include "tools/velhost/report/Output.h"
 #include "tools/velhost/report/Table.h"
-#include "tools/velhost/report/Utf8.h"
 
 #include <algorithm>
 #include <memory>
@@ -104,7 +105,7 @@ void AddDriver(std::wstring strModule, InstallReport& report)
     info.pConfigFile = strModule.data();
     if (!AddPrinterDriverExW(nullptr, 3, reinterpret_cast<BYTE*>(&info), APD_COPY_ALL_FILES | APD_COPY_FROM_DIRECTORY))
     {
-        ThrowLastError("can't add the printer driver");
+        ThrowCommandError("can't add the printer driver");
     }
     const auto driver = FindDriver(kDriverName);
     if (!driver)
@@ -133,7 +134,7 @@ void AddPrinterOnce(std::wstring strPrinter, std::wstring strPort, InstallReport
     const PrinterHandle printer(AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&info)));
     if (printer.Get() == nullptr)
     {
-        ThrowLastError("can't add the printer \"" + ToUtf8(strPrinter) + "\"");
+        ThrowCommandError("can't add the printer \"" + ToUtf8(strPrinter) + "\"");
     }
     report.pszPrinter = "added";
 }
@@ -150,7 +151,7 @@ void CopySample(const std::wstring& strSample, const std::wstring& strConfig, bo
     }
     if (!CopyFileW(strSample.c_str(), strConfig.c_str(), FALSE))
     {
-        ThrowLastError("can't copy " + ToUtf8(strSample) + " to " + ToUtf8(strConfig));
+        ThrowCommandError("can't copy " + ToUtf8(strSample) + " to " + ToUtf8(strConfig));
     }
     SetFileAttributesW(strConfig.c_str(), FILE_ATTRIBUTE_NORMAL);
     if (!bThere)
@@ -164,18 +165,18 @@ void CopySample(const std::wstring& strSample, const std::wstring& strConfig, bo
 void InstallLogConfig(const std::vector<ClientFolder>& folders, bool bForce, InstallRecord& record,
                       InstallReport& report)
 {
-    const std::wstring strConfig = JoinPath(FolderOf(folders, L"InstallDir"), kLogConfigName);
+    const std::wstring strConfig = PathIn(FolderOf(folders, L"InstallDir"), kLogConfigName);
     const bool bThere = IsFile(strConfig);
     if (bThere && !bForce)
     {
         report.pszLogConfig = "there already, kept";
         return;
     }
-    WriteLogConfig(JoinPath(ProgramFolder(), kSampleLogConfig), strConfig, FolderOf(folders, L"LogDir"));
+    WriteLogConfig(BesideProgram(kSampleLogConfig), strConfig, FolderOf(folders, L"LogDir"));
     if (!bThere)
     {
         AddOnce(record.files, strConfig);
-        AddOnce(record.files, JoinPath(FolderOf(folders, L"InstallDir"), kLogConfigOffName));
+        AddOnce(record.files, PathIn(FolderOf(folders, L"InstallDir"), kLogConfigOffName));
     }
     report.pszLogConfig = bThere ? "overwritten" : "installed";
 }
@@ -210,7 +211,7 @@ void PrintReport(const InstallOptions& options, const InstallReport& report, con
     if (*report.pszLogConfig != '\0')
     {
         table.AddRow(
-            {"logging", ToUtf8(JoinPath(FolderOf(folders, L"InstallDir"), kLogConfigName)), report.pszLogConfig});
+            {"logging", ToUtf8(PathIn(FolderOf(folders, L"InstallDir"), kLogConfigName)), report.pszLogConfig});
     }
     Print(table.Text());
 }
@@ -224,9 +225,9 @@ int RunInstall(const InstallOptions& options)
     CheckPrinterName(strPrinter);
     const std::wstring strPort = FromUtf8(options.strPort);
     CheckPort(strPort);
-    const std::vector<ClientFolder> folders = ClientFolders(FullPath(FromUtf8(options.strRoot)));
-    const std::wstring strSample = options.strSample.empty() ? JoinPath(ProgramFolder(), L"sample\\Config.ini")
-                                                             : FullPath(FromUtf8(options.strSample));
+    const std::vector<ClientFolder> folders = ClientFolders(AbsolutePath(options.strRoot));
+    const std::wstring strSample =
+        options.strSample.empty() ? BesideProgram(L"sample\\Config.ini") : AbsolutePath(options.strSample);
     if (!IsFile(strSample))
     {
         throw CommandError("there is no sample file " + ToUtf8(strSample));
@@ -237,7 +238,7 @@ int RunInstall(const InstallOptions& options)
     // The folders come first: the spooler calls the module while it adds the printer.
     MakeClientFolders(folders, record);
     record.Save();
-    const std::wstring strConfig = JoinPath(FolderOf(folders, L"TempDir"), L"Config.ini");
+    const std::wstring strConfig = PathIn(FolderOf(folders, L"TempDir"), L"Config.ini");
     CopySample(strSample, strConfig, options.bForce, record, report);
     if (options.bLogging)
     {
@@ -262,12 +263,11 @@ void AddInstallCommand(CLI::App& program, int& iExitCode)
         "install", "Registers the module as a printer driver, adds a printer with it, makes the client's folders with\n"
                    "their registry values, and copies a sample snapshot. May be run again.");
     const auto pOptions = std::make_shared<InstallOptions>();
-    pCommand->add_option("--module", pOptions->strModule, "The module; VelUI.dll beside this program by default")
-        ->type_name("PATH");
+    AddModuleOption(*pCommand, pOptions->strModule);
     pCommand->add_option("--root", pOptions->strRoot, "The client's folder, which gets Data, Temp and Log")
         ->type_name("DIR")
         ->capture_default_str();
-    pCommand->add_option("--printer", pOptions->strPrinter, "The printer")->type_name("NAME")->capture_default_str();
+    AddPrinterOption(*pCommand, pOptions->strPrinter);
     pCommand->add_option("--port", pOptions->strPort, "The printer's port")->type_name("PORT")->capture_default_str();
     pCommand
         ->add_option("--sample", pOptions->strSample,
@@ -275,7 +275,7 @@ void AddInstallCommand(CLI::App& program, int& iExitCode)
         ->type_name("FILE");
     pCommand->add_flag("--force", pOptions->bForce, "Overwrite a snapshot, and a log configuration, that is there");
     pCommand->add_flag("--logging", pOptions->bLogging, "Install the sample log configuration: every call is logged");
-    pCommand->add_flag("--json", pOptions->bJson, "Print JSON instead of a table");
+    AddJsonFlag(*pCommand, pOptions->bJson);
     pCommand->callback([pOptions, &iExitCode] { iExitCode = RunInstall(*pOptions); });
 }
 

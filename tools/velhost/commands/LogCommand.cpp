@@ -1,13 +1,13 @@
 #include "state/PsFolder.h"
 #include "state/StoreTypes.h"
 #include "tools/velhost/commands/Commands.h"
-#include "tools/velhost/host/HostModule.h"
+#include "tools/velhost/host/Files.h"
 #include "tools/velhost/install/ClientFolders.h"
 #include "tools/velhost/install/InstallRecord.h"
 #include "tools/velhost/install/LogSetup.h"
 #include "tools/velhost/report/CommandError.h"
+#include "tools/velhost/report/Encoding.h"
 #include "tools/velhost/report/Output.h"
-#include "tools/velhost/report/Utf8.h"
 
 #include <memory>
 
@@ -41,8 +41,8 @@ struct ConfigFiles
     ConfigFiles()
     {
         const std::wstring strFolder = ClientFolderOf(VelUtility::kClientInstallDir, "InstallDir");
-        strOn = JoinPath(strFolder, kLogConfigName);
-        strOff = JoinPath(strFolder, kLogConfigOffName);
+        strOn = PathIn(strFolder, kLogConfigName);
+        strOff = PathIn(strFolder, kLogConfigOffName);
     }
     std::wstring strOn;
     std::wstring strOff;
@@ -52,7 +52,7 @@ void Rename(const std::wstring& strFrom, const std::wstring& strTo)
 {
     if (!MoveFileExW(strFrom.c_str(), strTo.c_str(), MOVEFILE_REPLACE_EXISTING))
     {
-        ThrowLastError("can't rename " + ToUtf8(strFrom));
+        ThrowCommandError("can't rename " + ToUtf8(strFrom));
     }
 }
 
@@ -71,7 +71,7 @@ int RunOn()
     }
     else
     {
-        WriteLogConfig(JoinPath(ProgramFolder(), kSampleLogConfig), files.strOn,
+        WriteLogConfig(BesideProgram(kSampleLogConfig), files.strOn,
                        ClientFolderOf(VelUtility::kClientLogDir, "LogDir"));
         InstallRecord record = InstallRecord::Load();
         AddOnce(record.files, files.strOn);

@@ -3,15 +3,14 @@
 #include "state/StorePaths.h"
 #include "state/UserRecords.h"
 #include "tools/velhost/commands/Commands.h"
-#include "tools/velhost/host/HostModule.h"
+#include "tools/velhost/host/Files.h"
 #include "tools/velhost/host/StoreKeys.h"
-#include "tools/velhost/report/CommandError.h"
 #include "tools/velhost/report/DevmodeReport.h"
+#include "tools/velhost/report/Encoding.h"
+#include "tools/velhost/report/Output.h"
 #include "tools/velhost/report/Table.h"
-#include "tools/velhost/report/Utf8.h"
 
 #include <memory>
-#include <stdexcept>
 
 namespace VelHost
 {
@@ -25,18 +24,6 @@ struct SettingsOptions
     std::string strUser;
     bool bJson = false;
 };
-
-struct SetOptions
-{
-    std::string strKey;
-    std::string strValue;
-    std::string strUser;
-};
-
-std::wstring UserOf(const std::string& strUser)
-{
-    return strUser.empty() ? StoreUser() : FromUtf8(strUser);
-}
 
 /// A store file: its name and the path that its maker gives, empty when it can't be made.
 struct StoreFile
@@ -75,14 +62,9 @@ Json SnapshotCounts()
     return counts;
 }
 
-std::string CellOf(const Json& value)
-{
-    return value.is_string() ? value.get<std::string>() : value.is_null() ? "-" : value.dump();
-}
-
 int RunSettings(const SettingsOptions& options)
 {
-    const std::wstring strUser = UserOf(options.strUser);
+    const std::wstring strUser = StoreUser(options.strUser);
     Json report = Json::object();
     Table files({{"file"}, {"state"}, {"path"}});
     for (const StoreFile& file : StoreFiles(strUser))
@@ -128,32 +110,6 @@ int RunSettings(const SettingsOptions& options)
     return kExitGood;
 }
 
-int RunSet(const SetOptions& options)
-{
-    const StoreKey* const pKey = FindStoreKey(options.strKey);
-    if (pKey == nullptr || pKey->pfnWrite == nullptr)
-    {
-        throw CLI::ValidationError("KEY",
-                                   "no writer for \"" + options.strKey + "\"; velhost set --help lists the keys");
-    }
-    bool bWritten = false;
-    try
-    {
-        bWritten = pKey->pfnWrite(UserOf(options.strUser), options.strValue);
-    }
-    catch (const std::logic_error&) // another form, or a number out of its range
-    {
-        throw CLI::ValidationError("VALUE", std::string(pKey->pszKey) + " takes " + pKey->pszForm + ", not \"" +
-                                                options.strValue + "\"");
-    }
-    if (!bWritten)
-    {
-        throw CommandError(std::string(pKey->pszKey) + " could not be written to " + pKey->pszFile);
-    }
-    Print(std::string(pKey->pszKey) + " in " + pKey->pszFile + " is set\n");
-    return kExitGood;
-}
-
 } // namespace
 
 void AddSettingsCommand(CLI::App& program, int& iExitCode)
@@ -161,30 +117,9 @@ void AddSettingsCommand(CLI::App& program, int& iExitCode)
     CLI::App* const pCommand = program.add_subcommand(
         "settings", "Shows every store file of the current user and the machine: where it lies and what it says.");
     const auto pOptions = std::make_shared<SettingsOptions>();
-    pCommand->add_option("--user", pOptions->strUser, "Whose message files; the current user's by default")
-        ->type_name("NAME");
-    pCommand->add_flag("--json", pOptions->bJson, "Print JSON instead of tables");
+    AddUserOption(*pCommand, pOptions->strUser);
+    AddJsonFlag(*pCommand, pOptions->bJson, "Print JSON instead of tables");
     pCommand->callback([pOptions, &iExitCode] { iExitCode = RunSettings(*pOptions); });
-}
-
-void AddSetCommand(CLI::App& program, int& iExitCode)
-{
-    std::string strKeys;
-    for (const StoreKey& key : StoreKeys())
-    {
-        if (key.pfnWrite != nullptr)
-        {
-            strKeys += std::string("\n  ") + key.pszKey + " (" + key.pszForm + "), in " + key.pszFile;
-        }
-    }
-    CLI::App* const pCommand =
-        program.add_subcommand("set", "Sets one value of the client's or the user's store.")->footer("Keys:" + strKeys);
-    const auto pOptions = std::make_shared<SetOptions>();
-    pCommand->add_option("KEY", pOptions->strKey, "The value's key, in any case")->required();
-    pCommand->add_option("VALUE", pOptions->strValue, "The value")->required();
-    pCommand->add_option("--user", pOptions->strUser, "Whose message files; the current user's by default")
-        ->type_name("NAME");
-    pCommand->callback([pOptions, &iExitCode] { iExitCode = RunSet(*pOptions); });
 }
 
 } // namespace VelHost

@@ -1,12 +1,13 @@
 #include "settings/DriverDevmode.h"
 #include "support/PrinterInterface.h"
 #include "tools/velhost/commands/Commands.h"
-#include "tools/velhost/host/BinaryFile.h"
+#include "tools/velhost/host/Files.h"
 #include "tools/velhost/host/HostModule.h"
 #include "tools/velhost/host/Spooler.h"
 #include "tools/velhost/report/CommandError.h"
 #include "tools/velhost/report/DevmodeReport.h"
-#include "tools/velhost/report/Utf8.h"
+#include "tools/velhost/report/Encoding.h"
+#include "tools/velhost/report/Output.h"
 #include "tools/velhost/sheet/SheetClerk.h"
 #include "tools/velhost/sheet/SheetLibrary.h"
 
@@ -47,8 +48,7 @@ std::unique_ptr<SheetClerk> HireClerk(const SheetOptions& options)
     {
         return nullptr;
     }
-    const std::wstring strFolder =
-        options.strPictures.empty() ? std::wstring() : FullPath(FromUtf8(options.strPictures));
+    const std::wstring strFolder = options.strPictures.empty() ? std::wstring() : AbsolutePath(options.strPictures);
     if (!strFolder.empty() && !IsFolder(strFolder))
     {
         throw CommandError("there is no folder " + ToUtf8(strFolder));
@@ -62,14 +62,14 @@ DEVMODEW* AsDevmode(std::vector<BYTE>& record)
     return reinterpret_cast<DEVMODEW*>(record.data());
 }
 
-/// A record from a file as input, in room for a whole one at least.
+/// A record from a file as input, lengthened to a whole one at least.
 std::optional<std::vector<BYTE>> InputFile(const SheetOptions& options)
 {
     if (options.strIn.empty())
     {
         return std::nullopt;
     }
-    std::vector<BYTE> record = ReadBinaryFile(FullPath(FromUtf8(options.strIn)));
+    std::vector<BYTE> record = ReadBinaryFile(AbsolutePath(options.strIn));
     record.resize(std::max<size_t>(record.size(), kRecordSize));
     return record;
 }
@@ -153,7 +153,7 @@ SheetReport HostDevice(const SheetOptions& options, const HostModule& module)
     return report;
 }
 
-/// The platform's own call, as an application makes it.
+/// Windows' own call, as an application makes it.
 SheetReport SpoolDocument(const SheetOptions& options)
 {
     std::wstring strPrinter = FromUtf8(options.strPrinter);
@@ -236,7 +236,7 @@ int RunSheet(const SheetOptions& options)
     const SheetReport report = ShowSheet(options);
     if (!options.strSave.empty() && !report.after.empty())
     {
-        WriteBinaryFile(FullPath(FromUtf8(options.strSave)), report.after.data(), report.after.size());
+        WriteBinaryFile(AbsolutePath(options.strSave), report.after.data(), report.after.size());
     }
     PrintReport(options, report, pClerk ? pClerk->Pictures() : std::vector<std::wstring>());
     if (pClerk && !pClerk->Error().empty())
@@ -257,12 +257,10 @@ void AddSheetCommand(CLI::App& program, int& iExitCode)
     pCommand->add_option("KIND", pOptions->strKind, "Which sheet: document or device")
         ->required()
         ->check(CLI::IsMember({"document", "device"}));
-    CLI::Option* const pModule =
-        pCommand->add_option("--module", pOptions->strModule, "The module; VelUI.dll beside this program by default")
-            ->type_name("PATH");
+    CLI::Option* const pModule = AddModuleOption(*pCommand, pOptions->strModule);
     pCommand->add_flag("--spooler", pOptions->bSpooler, "Let the platform's spooler show the installed printer's sheet")
         ->excludes(pModule);
-    pCommand->add_option("--printer", pOptions->strPrinter, "The printer")->type_name("NAME")->capture_default_str();
+    AddPrinterOption(*pCommand, pOptions->strPrinter);
     pCommand->add_option("--in", pOptions->strIn, "The document's record; the user's default one without it")
         ->type_name("FILE");
     pCommand->add_option("--save", pOptions->strSave, "Write the record that comes out here")->type_name("FILE");
@@ -273,7 +271,7 @@ void AddSheetCommand(CLI::App& program, int& iExitCode)
     pCommand->add_option("--press", pOptions->strPress, "Turn to each page once and close the sheet: ok or cancel")
         ->type_name("BUTTON")
         ->check(CLI::IsMember({"ok", "cancel"}));
-    pCommand->add_flag("--json", pOptions->bJson, "Print JSON instead of tables");
+    AddJsonFlag(*pCommand, pOptions->bJson, "Print JSON instead of tables");
     pCommand->callback([pOptions, &iExitCode] { iExitCode = RunSheet(*pOptions); });
 }
 

@@ -1,15 +1,16 @@
+#include "state/ConfigSections.h"
 #include "state/FileLocker.h"
 #include "state/PrinterConfig.h"
 #include "state/PsFolder.h"
 #include "state/StoreTypes.h"
 #include "tools/velhost/commands/Commands.h"
-#include "tools/velhost/host/BinaryFile.h"
-#include "tools/velhost/host/HostModule.h"
+#include "tools/velhost/host/Files.h"
 #include "tools/velhost/host/Snapshot.h"
 #include "tools/velhost/host/Spooler.h"
 #include "tools/velhost/report/CommandError.h"
+#include "tools/velhost/report/Encoding.h"
+#include "tools/velhost/report/Output.h"
 #include "tools/velhost/report/Table.h"
-#include "tools/velhost/report/Utf8.h"
 
 #include <memory>
 #include <utility>
@@ -19,8 +20,6 @@ namespace VelHost
 namespace
 {
 
-constexpr wchar_t kPrinterSection[] = L"Printer";
-constexpr wchar_t kCapsSection[] = L"DeviceCapabilities";
 /// The key that is written last, so that its presence proves that all were written.
 constexpr wchar_t kLastKey[] = L"PrintRateUnit";
 
@@ -35,7 +34,7 @@ using KeyValues = std::vector<std::pair<std::wstring, std::wstring>>;
 /// The snapshot's place, from the client's registry values.
 std::wstring ConfigPath()
 {
-    // The room and the size of the snapshot's own readers.
+    // The buffer and the size of the snapshot's own readers.
     wchar_t szFolder[VelUtility::kFolderUnits] = {};
     constexpr unsigned __int64 kSize = 256;
     const DWORD dwStatus = VelUtility::GetClientFolder(VelUtility::kClientTempDir, szFolder, kSize);
@@ -48,10 +47,10 @@ std::wstring ConfigPath()
     {
         throw CommandError("the client's TempDir " + ToUtf8(szFolder) + " does not exist");
     }
-    return JoinPath(szFolder, L"Config.ini");
+    return PathIn(szFolder, L"Config.ini");
 }
 
-/// The platform keeps a file in UTF-16 that begins with its mark; any other loses names outside the code page.
+/// Windows keeps a profile file in UTF-16 that begins with its mark; any other loses names outside the code page.
 void MakeUnicodeFile(const std::wstring& strPath)
 {
     if (!IsFile(strPath))
@@ -63,16 +62,16 @@ void MakeUnicodeFile(const std::wstring& strPath)
 
 KeyValues ReadSection(const wchar_t* pszSection, const std::wstring& strPath)
 {
-    std::vector<wchar_t> room(32768);
+    std::vector<wchar_t> buffer(32768);
     DWORD cchRead = 0;
-    // A cut section is told by two terminators at the end of the room.
-    while ((cchRead = GetPrivateProfileSectionW(pszSection, room.data(), static_cast<DWORD>(room.size()),
-                                                strPath.c_str())) == room.size() - 2)
+    // A cut section is told by two terminators at the end of the buffer.
+    while ((cchRead = GetPrivateProfileSectionW(pszSection, buffer.data(), static_cast<DWORD>(buffer.size()),
+                                                strPath.c_str())) == buffer.size() - 2)
     {
-        room.resize(room.size() * 2);
+        buffer.resize(buffer.size() * 2);
     }
     KeyValues values;
-    for (const wchar_t* pszLine = room.data(); cchRead > 0 && *pszLine != L'\0'; pszLine += wcslen(pszLine) + 1)
+    for (const wchar_t* pszLine = buffer.data(); cchRead > 0 && *pszLine != L'\0'; pszLine += wcslen(pszLine) + 1)
     {
         const std::wstring strLine = pszLine;
         const size_t equals = strLine.find(L'=');
@@ -90,14 +89,14 @@ void WriteSnapshot(const VelUtility::PrinterInfo& stuInfo, const Snapshot& snaps
     // Held over the removal of the old snapshot too, so that no query finds the section gone; the lock is recursive.
     const VelUtility::CScopeFileLock lock(strPath.c_str());
     MakeUnicodeFile(strPath);
-    if (!WritePrivateProfileStringW(kCapsSection, nullptr, nullptr, strPath.c_str()))
+    if (!WritePrivateProfileStringW(VelUtility::kCapsSection, nullptr, nullptr, strPath.c_str()))
     {
-        ThrowLastError("can't write " + ToUtf8(strPath));
+        ThrowCommandError("can't write " + ToUtf8(strPath));
     }
     VelUtility::MakePrinterConfig(&stuInfo, &snapshot.Caps());
     wchar_t szValue[16] = {};
-    if (GetPrivateProfileStringW(kCapsSection, kLastKey, L"", szValue, static_cast<DWORD>(std::size(szValue)),
-                                 strPath.c_str()) == 0)
+    if (GetPrivateProfileStringW(VelUtility::kCapsSection, kLastKey, L"", szValue,
+                                 static_cast<DWORD>(std::size(szValue)), strPath.c_str()) == 0)
     {
         throw CommandError("the snapshot was not written whole to " + ToUtf8(strPath));
     }
@@ -105,7 +104,7 @@ void WriteSnapshot(const VelUtility::PrinterInfo& stuInfo, const Snapshot& snaps
 
 void PrintSnapshot(const SnapshotOptions& options, const std::wstring& strPath)
 {
-    const wchar_t* const sections[] = {kPrinterSection, kCapsSection};
+    const wchar_t* const sections[] = {VelUtility::kPrinterSection, VelUtility::kCapsSection};
     Table table({{"section"}, {"key"}, {"value"}});
     Json value;
     value["file"] = ToUtf8(strPath);
@@ -150,7 +149,7 @@ void AddSnapshotCommand(CLI::App& program, int& iExitCode)
     pCommand->add_option("--printer", pOptions->strPrinter, "The installed printer to describe")
         ->type_name("NAME")
         ->required();
-    pCommand->add_flag("--json", pOptions->bJson, "Print JSON instead of a table");
+    AddJsonFlag(*pCommand, pOptions->bJson);
     pCommand->callback([pOptions, &iExitCode] { iExitCode = RunSnapshot(*pOptions); });
 }
 

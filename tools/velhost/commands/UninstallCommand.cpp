@@ -1,13 +1,13 @@
 #include "state/PsFolder.h"
 #include "tools/velhost/commands/Commands.h"
-#include "tools/velhost/host/HostModule.h"
-#include "tools/velhost/host/Registry.h"
+#include "tools/velhost/host/Files.h"
+#include "tools/velhost/host/HostKey.h"
 #include "tools/velhost/host/Spooler.h"
 #include "tools/velhost/install/ClientFolders.h"
 #include "tools/velhost/report/CommandError.h"
+#include "tools/velhost/report/Encoding.h"
 #include "tools/velhost/report/Output.h"
 #include "tools/velhost/report/Table.h"
-#include "tools/velhost/report/Utf8.h"
 
 #include <algorithm>
 #include <memory>
@@ -174,7 +174,7 @@ int RunUninstall(const UninstallOptions& options)
     }
     const std::string strKey = "HKLM\\" + ToUtf8(VelUtility::kClientKey);
     const bool bValues = RemoveClientValues();
-    const bool bKeyKept = RegistryKey::Open(VelUtility::kClientKey).IsOpen();
+    const bool bKeyKept = HostKey::Open(VelUtility::kClientKey).IsOpen();
     steps.push_back({"registry", strKey,
                      !bValues   ? "was not there"
                      : bKeyKept ? "values removed, key has more, kept"
@@ -225,7 +225,7 @@ void AddUninstallCommand(CLI::App& program, int& iExitCode)
                      "A printer besides those that install added; VelPrinter when it added none")
         ->type_name("NAME");
     pCommand->add_flag("--keep-data", pOptions->bKeepData, "Keep the files and folders that install made");
-    pCommand->add_flag("--json", pOptions->bJson, "Print JSON instead of a table");
+    AddJsonFlag(*pCommand, pOptions->bJson);
     pCommand->callback([pOptions, &iExitCode] { iExitCode = RunUninstall(*pOptions); });
 }
 

@@ -1,9 +1,12 @@
 #include "tools/velhost/host/CapsQuery.h"
 
-#include "tools/velhost/host/GuardedRoom.h"
+#include "tools/velhost/host/CanaryBuffer.h"
 #include "tools/velhost/host/Spooler.h"
+#include "tools/velhost/report/Encoding.h"
+#include "tools/velhost/report/Table.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace VelHost
 {
@@ -12,6 +15,58 @@ namespace
 
 /// Lists of more entries are not fetched: no printer has so many, and the count may be nonsense.
 constexpr DWORD kMostEntries = 65535;
+
+/// Reads an entry, whose place need not be aligned.
+template <class Entry>
+Entry EntryAt(const CapsAnswer& answer, size_t index)
+{
+    Entry entry;
+    std::memcpy(&entry, answer.entries.data() + index * sizeof(Entry), sizeof(Entry));
+    return entry;
+}
+
+/// @return tenths of a millimetre as millimetres, "210.0".
+std::string Millimetres(LONG lTenths)
+{
+    const unsigned long ulTenths = lTenths < 0 ? 0UL - static_cast<unsigned long>(lTenths) : lTenths;
+    return (lTenths < 0 ? "-" : "") + std::to_string(ulTenths / 10) + "." + std::to_string(ulTenths % 10);
+}
+
+std::string DecodeName(const CapsAnswer& answer, size_t index)
+{
+    const size_t cchCell = EntryBytes(answer.code.form) / sizeof(wchar_t);
+    std::vector<wchar_t> cell(cchCell);
+    std::memcpy(cell.data(), answer.entries.data() + index * cchCell * sizeof(wchar_t), cchCell * sizeof(wchar_t));
+    return ToUtf8(CellText(cell.data(), cchCell));
+}
+
+std::string DecodeEntry(const CapsAnswer& answer, size_t index)
+{
+    switch (answer.code.form)
+    {
+    case CapsForm::Identifiers:
+        return std::to_string(EntryAt<WORD>(answer, index));
+    case CapsForm::Numbers:
+        return std::to_string(EntryAt<DWORD>(answer, index));
+    case CapsForm::Sizes:
+    {
+        const POINT size = EntryAt<POINT>(answer, index);
+        return Millimetres(size.x) + " x " + Millimetres(size.y) + " mm";
+    }
+    case CapsForm::Resolutions:
+    {
+        const POINT resolution = EntryAt<POINT>(answer, index);
+        return std::to_string(resolution.x) + " x " + std::to_string(resolution.y) + " dpi";
+    }
+    default:
+        return DecodeName(answer, index);
+    }
+}
+
+std::string AnswerText(const CapsAnswer& answer)
+{
+    return answer.IsRefused() ? std::string("refused") : std::to_string(answer.dwAnswer);
+}
 
 } // namespace
 
@@ -105,10 +160,10 @@ CapsAnswer QueryCaps(const AskCaps& ask, const CapsCode& code)
         return answer;
     }
 
-    GuardedRoom room(answer.dwAnswer * cbEntry);
-    room.FillWithCanary();
-    answer.dwFillAnswer = ask(code.wCode, room.Data());
-    answer.cbOverrun = room.OverrunBytes();
+    CanaryBuffer buffer(answer.dwAnswer * cbEntry);
+    buffer.FillWithCanary();
+    answer.dwFillAnswer = ask(code.wCode, buffer.Data());
+    answer.cbOverrun = buffer.OverrunBytes();
     if (answer.cbOverrun != 0)
     {
         answer.strNote = "wrote " + std::to_string(answer.cbOverrun) + " bytes behind the room";
@@ -121,13 +176,13 @@ CapsAnswer QueryCaps(const AskCaps& ask, const CapsCode& code)
     {
         answer.strNote = "the list has " + std::to_string(answer.dwFillAnswer) + " entries when asked with room";
     }
-    else if (!room.WasWritten())
+    else if (!buffer.WasWritten())
     {
         answer.strNote = "no entry was written";
     }
-    if (answer.dwFillAnswer != kRefused && room.WasWritten())
+    if (answer.dwFillAnswer != kRefused && buffer.WasWritten())
     {
-        answer.entries.assign(room.Data(), room.Data() + room.Size());
+        answer.entries.assign(buffer.Data(), buffer.Data() + buffer.Size());
     }
     return answer;
 }
@@ -146,10 +201,66 @@ AskCaps SpoolerCaps(const std::wstring& strPrinter)
 {
     // Some spoolers answer 0 for an unknown printer, which would look like an empty list.
     const PrinterDescription description = DescribePrinter(strPrinter);
-    return [description](WORD wCode, void* pvRoom) {
+    return [description](WORD wCode, void* pvBuffer) {
         return static_cast<DWORD>(DeviceCapabilitiesW(description.strName.c_str(), description.strPort.c_str(), wCode,
-                                                      static_cast<LPWSTR>(pvRoom), nullptr));
+                                                      static_cast<LPWSTR>(pvBuffer), nullptr));
     };
+}
+
+std::vector<std::string> DecodeCaps(const CapsAnswer& answer)
+{
+    std::vector<std::string> texts;
+    if (answer.code.form == CapsForm::Extent && !answer.IsRefused())
+    {
+        texts.push_back(Millimetres(LOWORD(answer.dwAnswer)) + " x " + Millimetres(HIWORD(answer.dwAnswer)) + " mm");
+    }
+    for (size_t index = 0; index < answer.EntryCount(); ++index)
+    {
+        texts.push_back(DecodeEntry(answer, index));
+    }
+    return texts;
+}
+
+Json CapsToJson(const CapsAnswer& answer)
+{
+    Json value;
+    value["code"] = answer.code.wCode;
+    value["name"] = answer.code.pszName;
+    value["refused"] = answer.IsRefused();
+    value["answer"] = answer.dwAnswer;
+    if (EntryBytes(answer.code.form) != 0 && !answer.IsRefused())
+    {
+        value["entries"] = DecodeCaps(answer);
+    }
+    else if (answer.code.form == CapsForm::Extent && !answer.IsRefused())
+    {
+        value["meaning"] = DecodeCaps(answer).front();
+    }
+    if (!answer.strNote.empty())
+    {
+        value["note"] = answer.strNote;
+    }
+    return value;
+}
+
+std::string CapsTable(const std::vector<CapsAnswer>& answers)
+{
+    Table table({{"code", Table::Align::Right}, {"name"}, {"answer", Table::Align::Right}, {"entries"}});
+    for (const CapsAnswer& answer : answers)
+    {
+        std::vector<std::string> texts = DecodeCaps(answer);
+        if (!answer.strNote.empty())
+        {
+            texts.insert(texts.begin(), "! " + answer.strNote);
+        }
+        std::string strEntries;
+        for (const std::string& strText : texts)
+        {
+            strEntries += (strEntries.empty() ? "" : "\n") + strText;
+        }
+        table.AddRow({std::to_string(answer.code.wCode), answer.code.pszName, AnswerText(answer), strEntries});
+    }
+    return table.Text();
 }
 
 } // namespace VelHost

@@ -48,16 +48,16 @@ CapsCode FindCapsCode(WORD wCode);
 /// @return bytes of an entry; 0 for a form that is no list.
 size_t EntryBytes(CapsForm form);
 
-/// Asks one capability. The room is null for a question without one.
-using AskCaps = std::function<DWORD(WORD wCode, void* pvRoom)>;
+/// Asks one capability. The buffer is null for a question without one.
+using AskCaps = std::function<DWORD(WORD wCode, void* pvBuffer)>;
 
 /// The answer to one code.
 struct CapsAnswer
 {
     CapsCode code;
-    DWORD dwAnswer = kRefused;     ///< of the question without room
-    DWORD dwFillAnswer = kRefused; ///< of the question with room; only for a list that was filled
-    size_t cbOverrun = 0;          ///< bytes that were changed behind the room
+    DWORD dwAnswer = kRefused;     ///< of the question without a buffer
+    DWORD dwFillAnswer = kRefused; ///< of the question with a buffer; only for a list that was filled
+    size_t cbOverrun = 0;          ///< bytes that were changed behind the buffer
     std::string strNote;           ///< why a list has no entries, or what is wrong with them; may be empty
     std::vector<BYTE> entries;     ///< dwAnswer entries as they were delivered; empty without
 
@@ -66,13 +66,13 @@ struct CapsAnswer
     size_t EntryCount() const { return EntryBytes(code.form) == 0 ? 0 : entries.size() / EntryBytes(code.form); }
 };
 
-/// Asks a code; a list is asked for its count and then with exact room for so many entries.
+/// Asks a code; a list is asked for its count and then with a buffer for exactly so many entries.
 CapsAnswer QueryCaps(const AskCaps& ask, const CapsCode& code);
 
 /// Asks each of CapsCodes.
 std::vector<CapsAnswer> QueryAllCaps(const AskCaps& ask);
 
-/// The platform's DeviceCapabilitiesW as the one that answers. Throws CommandError for an unknown printer.
+/// Windows' DeviceCapabilitiesW as the one that answers. Throws CommandError for an unknown printer.
 AskCaps SpoolerCaps(const std::wstring& strPrinter);
 
 /// @return the entries, or the meaning of a single value, as texts.

@@ -1,4 +1,5 @@
 #pragma once
+/// The module, loaded in this process as a host loads it.
 
 #include "support/PrinterInterface.h"
 
@@ -6,21 +7,6 @@
 
 namespace VelHost
 {
-
-/// @return the folder of velhost.exe, without a separator at its end.
-std::wstring ProgramFolder();
-
-/// @return the full form of a path that is not empty, without a separator at its end (but for a drive's root).
-std::wstring FullPath(const std::wstring& strPath);
-
-/// @return folder and name joined with one backslash.
-std::wstring JoinPath(const std::wstring& strFolder, const std::wstring& strName);
-
-/// @return whether a file (not a folder) is there.
-bool IsFile(const std::wstring& strPath);
-
-/// @return whether a folder is there.
-bool IsFolder(const std::wstring& strPath);
 
 /// The module's place: the option's text, or VelUI.dll beside velhost.exe when it is empty. Throws CommandError when
 /// there is no such file.
@@ -43,6 +29,7 @@ public:
     HostModule(const HostModule&) = delete;
     HostModule& operator=(const HostModule&) = delete;
 
+    HMODULE Handle() const noexcept { return m_hModule; }
     /// @return the export, or null.
     FARPROC Find(const char* pszName) const noexcept;
     /// @return the export with an ordinal, or null.

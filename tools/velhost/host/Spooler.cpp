@@ -1,7 +1,7 @@
 #include "tools/velhost/host/Spooler.h"
 
 #include "tools/velhost/report/CommandError.h"
-#include "tools/velhost/report/Utf8.h"
+#include "tools/velhost/report/Encoding.h"
 
 #include <algorithm>
 #include <functional>
@@ -11,25 +11,25 @@ namespace VelHost
 namespace
 {
 
-/// Calls an asking function of the spooler twice: for the size, and with room of that size.
-/// @param ask takes room, its bytes and where to put the bytes needed; returns what the platform returned.
-/// @return the filled room; empty when there is nothing.
-std::vector<BYTE> Ask(const std::string& strWhat, const std::function<BOOL(BYTE*, DWORD, DWORD*)>& ask)
+/// Calls an asking function of the spooler twice: for the size, and with a buffer of that size.
+/// @param ask takes a buffer, its bytes and where to put the bytes needed; returns what Windows returned.
+/// @return the filled buffer; empty when there is nothing.
+std::vector<BYTE> AskTwice(const std::string& strWhat, const std::function<BOOL(BYTE*, DWORD, DWORD*)>& ask)
 {
-    std::vector<BYTE> room;
+    std::vector<BYTE> buffer;
     DWORD cbNeeded = 0;
-    while (!ask(room.data(), static_cast<DWORD>(room.size()), &cbNeeded))
+    while (!ask(buffer.data(), static_cast<DWORD>(buffer.size()), &cbNeeded))
     {
-        if (GetLastError() != ERROR_INSUFFICIENT_BUFFER || cbNeeded <= room.size())
+        if (GetLastError() != ERROR_INSUFFICIENT_BUFFER || cbNeeded <= buffer.size())
         {
-            ThrowLastError(strWhat);
+            ThrowCommandError(strWhat);
         }
-        room.resize(cbNeeded);
+        buffer.resize(cbNeeded);
     }
-    return room;
+    return buffer;
 }
 
-std::wstring TextOf(const wchar_t* pszText)
+std::wstring OrEmpty(const wchar_t* pszText)
 {
     return pszText == nullptr ? std::wstring() : std::wstring(pszText);
 }
@@ -61,7 +61,7 @@ PrinterHandle OpenInstalledPrinter(const std::wstring& strName, DWORD dwAccess)
         {
             throw CommandError("there is no printer \"" + ToUtf8(strName) + "\"");
         }
-        ThrowError("can't open the printer \"" + ToUtf8(strName) + "\"", dwError);
+        ThrowCommandError("can't open the printer \"" + ToUtf8(strName) + "\"", dwError);
     }
     return PrinterHandle(hPrinter);
 }
@@ -69,54 +69,54 @@ PrinterHandle OpenInstalledPrinter(const std::wstring& strName, DWORD dwAccess)
 bool IsPrinterInstalled(const std::wstring& strName)
 {
     DWORD dwCount = 0;
-    const std::vector<BYTE> room = Ask("can't list the printers", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
+    const std::vector<BYTE> buffer = AskTwice("can't list the printers", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
         return EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, 4, pby, cb, pcbNeeded, &dwCount);
     });
-    const auto* const pInfos = reinterpret_cast<const PRINTER_INFO_4W*>(room.data());
+    const auto* const pInfos = reinterpret_cast<const PRINTER_INFO_4W*>(buffer.data());
     return std::any_of(pInfos, pInfos + dwCount, [&strName](const PRINTER_INFO_4W& info) {
-        return IsSameName(TextOf(info.pPrinterName), strName);
+        return IsSameName(OrEmpty(info.pPrinterName), strName);
     });
 }
 
 PrinterDescription DescribePrinter(const std::wstring& strName)
 {
     const PrinterHandle printer = OpenInstalledPrinter(strName);
-    const std::vector<BYTE> room = Ask("can't describe the printer", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
+    const std::vector<BYTE> buffer = AskTwice("can't describe the printer", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
         return GetPrinterW(printer.Get(), 2, pby, cb, pcbNeeded);
     });
-    const auto& info = *reinterpret_cast<const PRINTER_INFO_2W*>(room.data());
-    return {TextOf(info.pPrinterName), TextOf(info.pPortName), TextOf(info.pDriverName), TextOf(info.pLocation),
-            TextOf(info.pComment)};
+    const auto& info = *reinterpret_cast<const PRINTER_INFO_2W*>(buffer.data());
+    return {OrEmpty(info.pPrinterName), OrEmpty(info.pPortName), OrEmpty(info.pDriverName), OrEmpty(info.pLocation),
+            OrEmpty(info.pComment)};
 }
 
 std::optional<DriverDescription> FindDriver(const std::wstring& strName)
 {
     DWORD dwCount = 0;
-    const std::vector<BYTE> room = Ask("can't list the drivers", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
+    const std::vector<BYTE> buffer = AskTwice("can't list the drivers", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
         return EnumPrinterDriversW(nullptr, nullptr, 3, pby, cb, pcbNeeded, &dwCount);
     });
-    const auto* const pInfos = reinterpret_cast<const DRIVER_INFO_3W*>(room.data());
+    const auto* const pInfos = reinterpret_cast<const DRIVER_INFO_3W*>(buffer.data());
     const auto* const pFound = std::find_if(pInfos, pInfos + dwCount, [&strName](const DRIVER_INFO_3W& info) {
-        return IsSameName(TextOf(info.pName), strName);
+        return IsSameName(OrEmpty(info.pName), strName);
     });
     if (pFound == pInfos + dwCount)
     {
         return std::nullopt;
     }
-    return DriverDescription{TextOf(pFound->pName), TextOf(pFound->pDriverPath), TextOf(pFound->pConfigFile),
-                             TextOf(pFound->pDataFile)};
+    return DriverDescription{OrEmpty(pFound->pName), OrEmpty(pFound->pDriverPath), OrEmpty(pFound->pConfigFile),
+                             OrEmpty(pFound->pDataFile)};
 }
 
 std::vector<std::wstring> PortNames()
 {
     DWORD dwCount = 0;
-    const std::vector<BYTE> room = Ask("can't list the ports", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
+    const std::vector<BYTE> buffer = AskTwice("can't list the ports", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
         return EnumPortsW(nullptr, 1, pby, cb, pcbNeeded, &dwCount);
     });
-    const auto* const pInfos = reinterpret_cast<const PORT_INFO_1W*>(room.data());
+    const auto* const pInfos = reinterpret_cast<const PORT_INFO_1W*>(buffer.data());
     std::vector<std::wstring> names;
     std::transform(pInfos, pInfos + dwCount, std::back_inserter(names),
-                   [](const PORT_INFO_1W& info) { return TextOf(info.pName); });
+                   [](const PORT_INFO_1W& info) { return OrEmpty(info.pName); });
     return names;
 }
 

@@ -1,5 +1,5 @@
 #pragma once
-/// What the commands ask of the platform's spooler, with errors as CommandError.
+/// What the commands ask of Windows' spooler, with errors as CommandError.
 
 #include <windows.h>
 #include <winspool.h>
@@ -57,7 +57,7 @@ bool IsPrinterInstalled(const std::wstring& strName);
 /// Throws CommandError for an unknown name.
 PrinterDescription DescribePrinter(const std::wstring& strName);
 
-/// @return the driver of that name for this platform, or nothing.
+/// @return the driver of that name for 64-bit Windows, or nothing.
 std::optional<DriverDescription> FindDriver(const std::wstring& strName);
 
 /// @return names of the local ports.

@@ -3,7 +3,7 @@
 #include "state/ClientConfig.h"
 #include "state/CurrentUser.h"
 #include "state/UserRecords.h"
-#include "tools/velhost/report/Utf8.h"
+#include "tools/velhost/report/Encoding.h"
 
 #include <cstdio>
 #include <stdexcept>
@@ -15,7 +15,7 @@ namespace
 
 using namespace VelUtility;
 
-long long NumberOf(const std::string& strValue, long long llLeast, long long llMost)
+long long ParseNumber(const std::string& strValue, long long llLeast, long long llMost)
 {
     size_t uiUsed = 0;
     const long long llValue = std::stoll(strValue, &uiUsed); // throws std::invalid_argument or std::out_of_range
@@ -28,17 +28,17 @@ long long NumberOf(const std::string& strValue, long long llLeast, long long llM
 
 DWORD FlagOf(const std::string& strValue)
 {
-    return static_cast<DWORD>(NumberOf(strValue, 0, 1));
+    return static_cast<DWORD>(ParseNumber(strValue, 0, 1));
 }
 
 DWORD UnsignedOf(const std::string& strValue)
 {
-    return static_cast<DWORD>(NumberOf(strValue, 0, 0xFFFFFFFFll));
+    return static_cast<DWORD>(ParseNumber(strValue, 0, 0xFFFFFFFFll));
 }
 
 int SignedOf(const std::string& strValue)
 {
-    return static_cast<int>(NumberOf(strValue, -0x7FFFFFFFll - 1, 0x7FFFFFFFll));
+    return static_cast<int>(ParseNumber(strValue, -0x7FFFFFFFll - 1, 0x7FFFFFFFll));
 }
 
 /// A member of a record that is read and written whole.
@@ -91,13 +91,13 @@ bool WriteMember(const std::wstring&, const std::string& strValue)
 #define PLACE_KEY(member, form)                                                                                        \
     RECORD_KEY(ServerPlace, GetServerPlaceFile, MakeServerPlaceFile, member, "server.ini", form)
 
-Json ReadNoWaterPrint(const std::wstring&)
+Json ReadDefaultNoWaterPrint(const std::wstring&)
 {
     DWORD dwValue = 0;
     return GetDefSetting(&dwValue) == 0 ? Json(static_cast<int>(dwValue)) : Json();
 }
 
-bool WriteNoWaterPrint(const std::wstring&, const std::string& strValue)
+bool WriteDefaultNoWaterPrint(const std::wstring&, const std::string& strValue)
 {
     const DWORD dwValue = static_cast<DWORD>(SignedOf(strValue));
     DWORD dwRead = 0;
@@ -193,7 +193,7 @@ const std::vector<StoreKey>& StoreKeys()
         SERVER_KEY(AuditInstalled),
         SERVER_KEY(SGIdentifyInstalled),
         SERVER_KEY(FilterIntalled),
-        {"DefaultNoWaterPrint", "defsetting.ini", "number", &ReadNoWaterPrint, &WriteNoWaterPrint},
+        {"DefaultNoWaterPrint", "defsetting.ini", "number", &ReadDefaultNoWaterPrint, &WriteDefaultNoWaterPrint},
         PLACE_KEY(Server, "text"),
         {"IPAddress", "server.ini", "1.2.3.4", &ReadAddress, &WriteAddress},
         PLACE_KEY(Mode, "0 or 1"),
@@ -218,8 +218,12 @@ const StoreKey* FindStoreKey(const std::string& strKey)
     return nullptr;
 }
 
-std::wstring StoreUser()
+std::wstring StoreUser(const std::string& strUser)
 {
+    if (!strUser.empty())
+    {
+        return FromUtf8(strUser);
+    }
     wchar_t szUser[kUserNameUnits] = {};
     wchar_t szDomain[kDomainNameUnits] = {};
     GetCurrentUsername(szUser, szDomain);

@@ -28,7 +28,8 @@ const std::vector<StoreKey>& StoreKeys();
 /// @return the row of a key, whatever the case of its letters, or null.
 const StoreKey* FindStoreKey(const std::string& strKey);
 
-/// @return the current user's name, as the store's file names have it.
-std::wstring StoreUser();
+/// @return a user's name as the store's file names have it.
+/// @param strUser UTF-8; the current user when it is empty.
+std::wstring StoreUser(const std::string& strUser);
 
 } // namespace VelHost

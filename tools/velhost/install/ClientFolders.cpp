@@ -1,10 +1,10 @@
 #include "tools/velhost/install/ClientFolders.h"
 
 #include "state/PsFolder.h"
-#include "tools/velhost/host/HostModule.h"
-#include "tools/velhost/host/Registry.h"
+#include "tools/velhost/host/Files.h"
+#include "tools/velhost/host/HostKey.h"
 #include "tools/velhost/report/CommandError.h"
-#include "tools/velhost/report/Utf8.h"
+#include "tools/velhost/report/Encoding.h"
 
 #include <algorithm>
 
@@ -38,7 +38,7 @@ bool MakeFolder(const std::wstring& strFolder, std::vector<std::wstring>& made)
     }
     if (!CreateDirectoryW(strFolder.c_str(), nullptr))
     {
-        ThrowLastError("can't make the folder " + ToUtf8(strFolder));
+        ThrowCommandError("can't make the folder " + ToUtf8(strFolder));
     }
     return true;
 }
@@ -48,9 +48,9 @@ bool MakeFolder(const std::wstring& strFolder, std::vector<std::wstring>& made)
 std::vector<ClientFolder> ClientFolders(const std::wstring& strRoot)
 {
     const std::vector<ClientFolder> folders = {{kFolderValues[0], strRoot},
-                                               {kFolderValues[1], JoinPath(strRoot, L"Data")},
-                                               {kFolderValues[2], JoinPath(strRoot, L"Temp")},
-                                               {kFolderValues[3], JoinPath(strRoot, L"Log")}};
+                                               {kFolderValues[1], PathIn(strRoot, L"Data")},
+                                               {kFolderValues[2], PathIn(strRoot, L"Temp")},
+                                               {kFolderValues[3], PathIn(strRoot, L"Log")}};
     for (const ClientFolder& folder : folders)
     {
         if (folder.strPath.size() > kMostFolderUnits)
@@ -87,7 +87,7 @@ void MakeClientFolders(const std::vector<ClientFolder>& folders, InstallRecord& 
             AddOnce(bRoot ? record.parentFolders : record.dataFolders, folder.strPath);
         }
     }
-    RegistryKey key = RegistryKey::Create(VelUtility::kClientKey);
+    HostKey key = HostKey::Create(VelUtility::kClientKey);
     for (const ClientFolder& folder : folders)
     {
         key.SetText(folder.strValue.c_str(), folder.strPath);
@@ -98,7 +98,7 @@ bool RemoveClientValues()
 {
     bool bThere = false;
     {
-        RegistryKey key = RegistryKey::Open(VelUtility::kClientKey);
+        HostKey key = HostKey::Open(VelUtility::kClientKey);
         for (const wchar_t* pszValue : kFolderValues)
         {
             bThere = key.DeleteValue(pszValue) || bThere;
@@ -111,13 +111,13 @@ bool RemoveClientValues()
 bool DeleteFolderTree(const std::wstring& strFolder)
 {
     WIN32_FIND_DATAW found = {};
-    const HANDLE hFind = FindFirstFileW(JoinPath(strFolder, L"*").c_str(), &found);
+    const HANDLE hFind = FindFirstFileW(PathIn(strFolder, L"*").c_str(), &found);
     if (hFind != INVALID_HANDLE_VALUE)
     {
         do
         {
             const std::wstring strName = found.cFileName;
-            const std::wstring strPath = JoinPath(strFolder, strName);
+            const std::wstring strPath = PathIn(strFolder, strName);
             const bool bFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
             const bool bLink = (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
             if (strName == L"." || strName == L"..")

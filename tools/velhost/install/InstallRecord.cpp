@@ -1,6 +1,6 @@
 #include "tools/velhost/install/InstallRecord.h"
 
-#include "tools/velhost/host/Registry.h"
+#include "tools/velhost/host/HostKey.h"
 
 #include <algorithm>
 
@@ -28,7 +28,7 @@ const RecordValue kValues[] = {
 InstallRecord InstallRecord::Load()
 {
     InstallRecord record;
-    const RegistryKey key = RegistryKey::Open(kRecordKey);
+    const HostKey key = HostKey::Open(kRecordKey);
     for (const RecordValue& value : kValues)
     {
         record.*value.pTexts = key.Texts(value.pszName);
@@ -38,7 +38,7 @@ InstallRecord InstallRecord::Load()
 
 void InstallRecord::Save() const
 {
-    RegistryKey key = RegistryKey::Create(kRecordKey);
+    HostKey key = HostKey::Create(kRecordKey);
     for (const RecordValue& value : kValues)
     {
         key.SetTexts(value.pszName, this->*value.pTexts);
@@ -48,7 +48,7 @@ void InstallRecord::Save() const
 void InstallRecord::Erase()
 {
     {
-        RegistryKey key = RegistryKey::Open(kRecordKey);
+        HostKey key = HostKey::Open(kRecordKey);
         for (const RecordValue& value : kValues)
         {
             key.DeleteValue(value.pszName);

@@ -1,8 +1,8 @@
 #include "tools/velhost/install/LogSetup.h"
 
-#include "tools/velhost/host/BinaryFile.h"
+#include "tools/velhost/host/Files.h"
 #include "tools/velhost/report/CommandError.h"
-#include "tools/velhost/report/Utf8.h"
+#include "tools/velhost/report/Encoding.h"
 
 #include <windows.h>
 
@@ -19,7 +19,7 @@ constexpr char kLogDirMark[] = "@LogDir@";
 /// Bytes of new text that are read at once; what lies before them is left out.
 constexpr unsigned long long kMostNewText = 4 * 1024 * 1024;
 
-std::string TextOf(const std::wstring& strFile)
+std::string FileText(const std::wstring& strFile)
 {
     const std::vector<BYTE> bytes = ReadBinaryFile(strFile);
     return std::string(bytes.begin(), bytes.end());
@@ -28,26 +28,12 @@ std::string TextOf(const std::wstring& strFile)
 /// A path in the system's code page, in which the module and its log library read the configuration.
 std::string InCodePage(const std::wstring& strPath)
 {
-    const int cchPath = static_cast<int>(strPath.size());
-    BOOL bLost = FALSE;
-    std::string strResult(strPath.size() * 2 + 1, '\0');
-    const int cbResult = WideCharToMultiByte(CP_ACP, 0, strPath.data(), cchPath, strResult.data(),
-                                             static_cast<int>(strResult.size()), nullptr, &bLost);
-    if (bLost || cbResult == 0)
+    const std::optional<std::string> strResult = ToCodePage(strPath);
+    if (!strResult)
     {
         throw CommandError("the folder " + ToUtf8(strPath) + " can't be written in the system's code page");
     }
-    strResult.resize(static_cast<size_t>(cbResult));
-    return strResult;
-}
-
-std::wstring FromCodePage(const std::string& strText)
-{
-    std::wstring strResult(strText.size(), L'\0');
-    strResult.resize(
-        static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, strText.data(), static_cast<int>(strText.size()),
-                                                strResult.data(), static_cast<int>(strResult.size()))));
-    return strResult;
+    return *strResult;
 }
 
 std::string Trimmed(const std::string& strText)
@@ -58,36 +44,11 @@ std::string Trimmed(const std::string& strText)
                                         : strText.substr(uiFirst, strText.find_last_not_of(kBlanks) - uiFirst + 1);
 }
 
-/// A file that others may write, rename and delete meanwhile; closed at the end of the object's life.
-class SharedFile
-{
-public:
-    explicit SharedFile(const std::wstring& strPath)
-        : m_hFile(CreateFileW(strPath.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                              nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr))
-    {}
-    ~SharedFile()
-    {
-        if (IsOpen())
-        {
-            CloseHandle(m_hFile);
-        }
-    }
-    SharedFile(const SharedFile&) = delete;
-    SharedFile& operator=(const SharedFile&) = delete;
-
-    bool IsOpen() const noexcept { return m_hFile != INVALID_HANDLE_VALUE; }
-    HANDLE Get() const noexcept { return m_hFile; }
-
-private:
-    HANDLE m_hFile;
-};
-
 } // namespace
 
 void WriteLogConfig(const std::wstring& strSample, const std::wstring& strTarget, const std::wstring& strLogDir)
 {
-    std::string strText = TextOf(strSample);
+    std::string strText = FileText(strSample);
     const std::string strFolder = InCodePage(strLogDir);
     for (size_t ui = strText.find(kLogDirMark); ui != std::string::npos; ui = strText.find(kLogDirMark))
     {
@@ -98,7 +59,7 @@ void WriteLogConfig(const std::wstring& strSample, const std::wstring& strTarget
 
 std::wstring LogFileOf(const std::wstring& strConfig)
 {
-    std::istringstream lines(TextOf(strConfig));
+    std::istringstream lines(FileText(strConfig));
     for (std::string strLine; std::getline(lines, strLine);)
     {
         strLine.resize(std::min(strLine.find('#'), strLine.size()));
@@ -123,7 +84,9 @@ GrowingFile::GrowingFile(std::wstring strPath) : m_strPath(std::move(strPath)) {
 
 std::string GrowingFile::ReadNew()
 {
-    const SharedFile file(m_strPath);
+    // Whoever writes the log may go on, and put it aside.
+    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const FileHandle file(m_strPath, GENERIC_READ, kShareAll, OPEN_EXISTING);
     BY_HANDLE_FILE_INFORMATION info = {};
     if (!file.IsOpen() || !GetFileInformationByHandle(file.Get(), &info))
     {

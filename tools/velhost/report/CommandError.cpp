@@ -1,6 +1,6 @@
 #include "tools/velhost/report/CommandError.h"
 
-#include "tools/velhost/report/Utf8.h"
+#include "tools/velhost/report/Encoding.h"
 
 namespace VelHost
 {
@@ -16,7 +16,7 @@ std::string Win32ErrorText(const std::string& strWhat, DWORD dwError)
     {
         strMessage.pop_back();
     }
-    // The platform's place for a name, which is told in front.
+    // Windows' place for a name, which is told in front.
     const size_t placeholder = strMessage.find(L"%1");
     if (placeholder != std::wstring::npos)
     {
@@ -30,14 +30,14 @@ std::string Win32ErrorText(const std::string& strWhat, DWORD dwError)
     return strWhat + ": " + ToUtf8(strMessage) + " (" + strNumber + ")";
 }
 
-void ThrowLastError(const std::string& strWhat)
-{
-    ThrowError(strWhat, GetLastError());
-}
-
-void ThrowError(const std::string& strWhat, DWORD dwError)
+void ThrowCommandError(const std::string& strWhat, DWORD dwError)
 {
     throw CommandError(Win32ErrorText(strWhat, dwError));
+}
+
+void ThrowCommandError(const std::string& strWhat)
+{
+    ThrowCommandError(strWhat, GetLastError());
 }
 
 } // namespace VelHost

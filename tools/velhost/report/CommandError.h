@@ -1,4 +1,5 @@
 #pragma once
+/// How a command ends that can't do its work.
 
 #include <windows.h>
 
@@ -15,13 +16,13 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// @return "<strWhat>: <the platform's text> (error <dwError>)".
+/// @return "<strWhat>: <Windows' text> (error <dwError>)".
 std::string Win32ErrorText(const std::string& strWhat, DWORD dwError);
 
-/// Throws CommandError with Win32ErrorText of the thread's last error.
-[[noreturn]] void ThrowLastError(const std::string& strWhat);
+/// Throws CommandError with Win32ErrorText of an error code that a call returned.
+[[noreturn]] void ThrowCommandError(const std::string& strWhat, DWORD dwError);
 
-/// The same for an error code that a call returned.
-[[noreturn]] void ThrowError(const std::string& strWhat, DWORD dwError);
+/// The same with the thread's last error.
+[[noreturn]] void ThrowCommandError(const std::string& strWhat);
 
 } // namespace VelHost

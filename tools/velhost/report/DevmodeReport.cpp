@@ -1,7 +1,8 @@
 #include "tools/velhost/report/DevmodeReport.h"
 
+#include "tools/velhost/report/CommandError.h"
+#include "tools/velhost/report/Encoding.h"
 #include "tools/velhost/report/Table.h"
-#include "tools/velhost/report/Utf8.h"
 
 #include <algorithm>
 #include <cstring>
@@ -56,13 +57,13 @@ const DevmodeField kFields[] = {
 
 #undef VELHOST_FIELD
 
-struct FieldBit
+struct DevmodeBit
 {
     DWORD dwBit;
     const char* pszName;
 };
 
-const FieldBit kFieldBits[] = {
+const DevmodeBit kDevmodeBits[] = {
     {DM_ORIENTATION, "DM_ORIENTATION"},
     {DM_PAPERSIZE, "DM_PAPERSIZE"},
     {DM_PAPERLENGTH, "DM_PAPERLENGTH"},
@@ -148,7 +149,7 @@ std::string HexText(DWORD dwValue)
 std::vector<std::string> FieldBitNames(DWORD dwFields)
 {
     std::vector<std::string> names;
-    for (const FieldBit& bit : kFieldBits)
+    for (const DevmodeBit& bit : kDevmodeBits)
     {
         if ((dwFields & bit.dwBit) != 0)
         {
@@ -164,6 +165,15 @@ std::vector<std::string> FieldBitNames(DWORD dwFields)
 }
 
 } // namespace
+
+void RequireDevmodeHeader(const std::vector<BYTE>& record, const std::string& strFile)
+{
+    if (record.size() < kDevmodeHeaderBytes)
+    {
+        throw CommandError(strFile + " has " + std::to_string(record.size()) + " bytes; a record's header has " +
+                           std::to_string(kDevmodeHeaderBytes));
+    }
+}
 
 size_t DevmodeDeclaredBytes(const BYTE* pbyRecord)
 {

@@ -1,4 +1,5 @@
 #pragma once
+/// A device-mode record as it is shown to people.
 
 #include "tools/velhost/report/Output.h"
 
@@ -26,6 +27,10 @@ struct DevmodeReport
 /// Reads a record.
 /// @param pbyRecord, cbRecord the bytes there are, at least kDevmodeHeaderBytes; nothing behind them is read.
 DevmodeReport ReadDevmode(const BYTE* pbyRecord, size_t cbRecord);
+
+/// Throws CommandError when a record is shorter than kDevmodeHeaderBytes.
+/// @param strFile where it comes from.
+void RequireDevmodeHeader(const std::vector<BYTE>& record, const std::string& strFile);
 
 /// @return dmSize + dmDriverExtra of a record with at least kDevmodeHeaderBytes.
 size_t DevmodeDeclaredBytes(const BYTE* pbyRecord);

@@ -1,5 +1,7 @@
 #include "tools/velhost/report/Output.h"
 
+#include "tools/velhost/report/Table.h"
+
 #include <windows.h>
 
 #include <cstdio>
@@ -33,6 +35,36 @@ void PrintError(const std::string& strText)
     const std::string strLine = "velhost: " + strText + "\n";
     std::fwrite(strLine.data(), 1, strLine.size(), stderr);
     std::fflush(stderr);
+}
+
+std::string CellOf(const Json& value)
+{
+    return value.is_string() ? value.get<std::string>() : value.is_null() ? "-" : value.dump();
+}
+
+Json ItemReport::ToJson() const
+{
+    Json value = Json::object();
+    for (const auto& [strItem, item] : m_items)
+    {
+        value[strItem] = item;
+    }
+    return value;
+}
+
+void ItemReport::PrintOut(bool bJson) const
+{
+    if (bJson)
+    {
+        PrintJson(ToJson());
+        return;
+    }
+    Table table({{"item"}, {"value"}});
+    for (const auto& [strItem, item] : m_items)
+    {
+        table.AddRow({strItem, CellOf(item)});
+    }
+    Print(table.Text());
 }
 
 } // namespace VelHost

@@ -1,8 +1,11 @@
 #pragma once
+/// What the program prints.
 
 #include <nlohmann/json.hpp>
 
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace VelHost
 {
@@ -21,5 +24,21 @@ void PrintJson(const Json& value);
 
 /// Writes "velhost: <strText>" and a line end to standard error.
 void PrintError(const std::string& strText);
+
+/// @return a value as a table's cell shows it: a text without quotation marks, nothing as "-".
+std::string CellOf(const Json& value);
+
+/// A report of items and their values in their order, as a table or as JSON.
+class ItemReport
+{
+public:
+    void Add(const std::string& strItem, const Json& value) { m_items.emplace_back(strItem, value); }
+    Json ToJson() const;
+    /// @param bJson whether JSON is printed in the place of the table.
+    void PrintOut(bool bJson) const;
+
+private:
+    std::vector<std::pair<std::string, Json>> m_items;
+};
 
 } // namespace VelHost

@@ -1,7 +1,5 @@
 #include "tools/velhost/sheet/SheetLibrary.h"
 
-#include "tools/velhost/sheet/SheetFont.h"
-
 #include <algorithm>
 
 namespace VelHost
@@ -15,7 +13,62 @@ constexpr LPARAM kWasShown = 1;
 /// CPSFUNC_SET_RESULT's answer to a handle that is no page's.
 constexpr LONG_PTR kInvalidHandle = -1;
 
+/// The font size of the module's pages.
+constexpr WORD kPagePoints = 9;
+
+// Words of the two forms in front of the menu's name (DLGTEMPLATE; dlgVer to cy of the extended form), and the place of
+// the style in them.
+constexpr size_t kPlainWords = 9;
+constexpr size_t kPlainStyle = 0;
+constexpr size_t kExtendedWords = 13;
+constexpr size_t kExtendedStyle = 6;
+
+constexpr WORD kExtendedMark = 0xFFFF; ///< second word of the extended form
+constexpr WORD kOrdinalMark = 0xFFFF;  ///< a number and not a name follows
+
+/// @return what lies behind a name or number.
+WORD* SkipName(WORD* pwName)
+{
+    if (*pwName == kOrdinalMark)
+    {
+        return pwName + 2;
+    }
+    while (*pwName != 0)
+    {
+        ++pwName;
+    }
+    return pwName + 1;
+}
+
+/// Callback of a property sheet (PSH_USECALLBACK) that gives it the pages' font size before it is made. Windows
+/// measures a sheet in dialog units of its own font; with a smaller one than the pages', it would cut them off.
+int CALLBACK UsePagesFont(HWND /*hSheet*/, UINT uiMessage, LPARAM lParam)
+{
+    if (uiMessage == PSCB_PRECREATE)
+    {
+        SetTemplateFontSize(reinterpret_cast<void*>(lParam), kPagePoints);
+    }
+    return 0;
+}
+
 } // namespace
+
+void SetTemplateFontSize(void* pTemplate, WORD wPoints)
+{
+    auto* pwWords = static_cast<WORD*>(pTemplate);
+    const bool bExtended = pwWords[1] == kExtendedMark;
+    const WORD* const pwStyle = pwWords + (bExtended ? kExtendedStyle : kPlainStyle);
+    if ((MAKELONG(pwStyle[0], pwStyle[1]) & DS_SETFONT) == 0)
+    {
+        return;
+    }
+    pwWords += bExtended ? kExtendedWords : kPlainWords;
+    for (int i = 0; i < 3; ++i) // menu, class, title
+    {
+        pwWords = SkipName(pwWords);
+    }
+    *pwWords = wPoints;
+}
 
 SheetLibrary::SheetLibrary(SheetFunction* pfnSheet, LPARAM lParamInit) : m_pfnSheet(pfnSheet), m_lParamInit(lParamInit)
 {}
@@ -119,7 +172,7 @@ void SheetLibrary::ShowSheet(const PROPSHEETUI_INFO_HEADER& header, const std::w
     PROPSHEETHEADERW sheet = {};
     sheet.dwSize = sizeof(sheet);
     sheet.dwFlags = PSH_USECALLBACK;
-    sheet.pfnCallback = UsePagesFont;
+    sheet.pfnCallback = &UsePagesFont;
     sheet.dwFlags |= (header.Flags & PSUIHDRF_NOAPPLYNOW) != 0 ? PSH_NOAPPLYNOW : 0;
     sheet.dwFlags |= (header.Flags & PSUIHDRF_PROPTITLE) != 0 ? PSH_PROPTITLE : 0;
     sheet.hwndParent = header.hWndParent;

@@ -1,4 +1,5 @@
 #pragma once
+/// The host's own property sheet library: the shortest description of how the module's sheets are driven.
 
 #include "support/PrinterInterface.h"
 
@@ -11,6 +12,11 @@
 namespace VelHost
 {
 
+/// Changes the font size of a dialog template that names a font; leaves any other as it is.
+/// @param pTemplate DLGTEMPLATE or its extended form.
+/// @param wPoints   points.
+void SetTemplateFontSize(void* pTemplate, WORD wPoints);
+
 /// What came of a sheet.
 struct SheetOutcome
 {
@@ -22,8 +28,8 @@ struct SheetOutcome
     std::vector<UINT> refusals; ///< CPSFUNC_ functions that were asked for and are not played
 };
 
-/// Plays the platform's common property sheet library for one sheet function of a module: the module adds its pages,
-/// the sheet is shown on the platform's own PropertySheetW, a page's CPSFUNC_SET_RESULT becomes
+/// Plays Windows' common property sheet library for one sheet function of a module: the module adds its pages,
+/// the sheet is shown on Windows' own PropertySheetW, a page's CPSFUNC_SET_RESULT becomes
 /// PROPSHEETUI_REASON_SET_RESULT, and the end is told. One sheet an object, on one thread.
 class SheetLibrary
 {

@@ -1,4 +1,5 @@
 #pragma once
+/// The registry as this program uses it.
 
 #include <windows.h>
 
@@ -9,18 +10,18 @@ namespace VelHost
 {
 
 /// A key below HKEY_LOCAL_MACHINE, in the 64-bit view.
-class RegistryKey
+class HostKey
 {
 public:
     /// Opens a key, and makes it if need be. Throws CommandError on failure.
-    static RegistryKey Create(const std::wstring& strPath);
+    static HostKey Create(const std::wstring& strPath);
     /// Opens a key for reading and writing; without one the object is empty.
-    static RegistryKey Open(const std::wstring& strPath);
+    static HostKey Open(const std::wstring& strPath);
 
-    ~RegistryKey();
-    RegistryKey(RegistryKey&& other) noexcept : m_hKey(other.m_hKey) { other.m_hKey = nullptr; }
-    RegistryKey(const RegistryKey&) = delete;
-    RegistryKey& operator=(const RegistryKey&) = delete;
+    ~HostKey();
+    HostKey(HostKey&& other) noexcept : m_hKey(other.m_hKey) { other.m_hKey = nullptr; }
+    HostKey(const HostKey&) = delete;
+    HostKey& operator=(const HostKey&) = delete;
 
     bool IsOpen() const noexcept { return m_hKey != nullptr; }
     /// @return whether the key has neither values nor keys below it; false without a key.
@@ -36,7 +37,7 @@ public:
     bool DeleteValue(const wchar_t* pszName);
 
 private:
-    explicit RegistryKey(HKEY hKey) noexcept : m_hKey(hKey) {}
+    explicit HostKey(HKEY hKey) noexcept : m_hKey(hKey) {}
     void Set(const wchar_t* pszName, DWORD dwType, const std::wstring& strData);
 
     HKEY m_hKey; ///< owned; null without a key

@@ -1,4 +1,4 @@
-#include "tools/velhost/report/Utf8.h"
+#include "tools/velhost/report/Encoding.h"
 
 #include <windows.h>
 #include <shellapi.h>
@@ -31,6 +31,29 @@ std::wstring FromUtf8(std::string_view strText)
     const int cchResult = MultiByteToWideChar(CP_UTF8, 0, strText.data(), cbText, nullptr, 0);
     std::wstring strResult(static_cast<size_t>(cchResult), L'\0');
     MultiByteToWideChar(CP_UTF8, 0, strText.data(), cbText, strResult.data(), cchResult);
+    return strResult;
+}
+
+std::optional<std::string> ToCodePage(std::wstring_view strText)
+{
+    BOOL bLost = FALSE;
+    std::string strResult(strText.size() * 2 + 1, '\0');
+    const int cbResult = WideCharToMultiByte(CP_ACP, 0, strText.data(), static_cast<int>(strText.size()),
+                                             strResult.data(), static_cast<int>(strResult.size()), nullptr, &bLost);
+    if (bLost || cbResult == 0)
+    {
+        return std::nullopt;
+    }
+    strResult.resize(static_cast<size_t>(cbResult));
+    return strResult;
+}
+
+std::wstring FromCodePage(std::string_view strText)
+{
+    std::wstring strResult(strText.size(), L'\0');
+    strResult.resize(
+        static_cast<size_t>(MultiByteToWideChar(CP_ACP, 0, strText.data(), static_cast<int>(strText.size()),
+                                                strResult.data(), static_cast<int>(strResult.size()))));
     return strResult;
 }
 

@@ -1,7 +1,7 @@
-#include "tools/velhost/host/Registry.h"
+#include "tools/velhost/host/HostKey.h"
 
 #include "tools/velhost/report/CommandError.h"
-#include "tools/velhost/report/Utf8.h"
+#include "tools/velhost/report/Encoding.h"
 
 namespace VelHost
 {
@@ -12,30 +12,30 @@ constexpr REGSAM kAccess = KEY_READ | KEY_WRITE | KEY_WOW64_64KEY;
 
 } // namespace
 
-RegistryKey RegistryKey::Create(const std::wstring& strPath)
+HostKey HostKey::Create(const std::wstring& strPath)
 {
     HKEY hKey = nullptr;
     const LSTATUS lStatus =
         RegCreateKeyExW(HKEY_LOCAL_MACHINE, strPath.c_str(), 0, nullptr, 0, kAccess, nullptr, &hKey, nullptr);
     if (lStatus != ERROR_SUCCESS)
     {
-        ThrowError("can't make the registry key " + ToUtf8(strPath), static_cast<DWORD>(lStatus));
+        ThrowCommandError("can't make the registry key " + ToUtf8(strPath), static_cast<DWORD>(lStatus));
     }
-    return RegistryKey(hKey);
+    return HostKey(hKey);
 }
 
-RegistryKey RegistryKey::Open(const std::wstring& strPath)
+HostKey HostKey::Open(const std::wstring& strPath)
 {
     HKEY hKey = nullptr;
     const LSTATUS lStatus = RegOpenKeyExW(HKEY_LOCAL_MACHINE, strPath.c_str(), 0, kAccess, &hKey);
     if (lStatus != ERROR_SUCCESS && lStatus != ERROR_FILE_NOT_FOUND)
     {
-        ThrowError("can't open the registry key " + ToUtf8(strPath), static_cast<DWORD>(lStatus));
+        ThrowCommandError("can't open the registry key " + ToUtf8(strPath), static_cast<DWORD>(lStatus));
     }
-    return RegistryKey(lStatus == ERROR_SUCCESS ? hKey : nullptr);
+    return HostKey(lStatus == ERROR_SUCCESS ? hKey : nullptr);
 }
 
-RegistryKey::~RegistryKey()
+HostKey::~HostKey()
 {
     if (m_hKey != nullptr)
     {
@@ -43,7 +43,7 @@ RegistryKey::~RegistryKey()
     }
 }
 
-bool RegistryKey::IsEmpty() const
+bool HostKey::IsEmpty() const
 {
     DWORD dwKeys = 0;
     DWORD dwValues = 0;
@@ -53,12 +53,12 @@ bool RegistryKey::IsEmpty() const
            dwKeys == 0 && dwValues == 0;
 }
 
-void RegistryKey::SetText(const wchar_t* pszName, const std::wstring& strText)
+void HostKey::SetText(const wchar_t* pszName, const std::wstring& strText)
 {
     Set(pszName, REG_SZ, strText);
 }
 
-void RegistryKey::SetTexts(const wchar_t* pszName, const std::vector<std::wstring>& texts)
+void HostKey::SetTexts(const wchar_t* pszName, const std::vector<std::wstring>& texts)
 {
     std::wstring strData;
     for (const std::wstring& strText : texts)
@@ -69,7 +69,7 @@ void RegistryKey::SetTexts(const wchar_t* pszName, const std::vector<std::wstrin
     Set(pszName, REG_MULTI_SZ, strData);
 }
 
-std::vector<std::wstring> RegistryKey::Texts(const wchar_t* pszName) const
+std::vector<std::wstring> HostKey::Texts(const wchar_t* pszName) const
 {
     std::vector<std::wstring> texts;
     DWORD cbData = 0;
@@ -91,25 +91,25 @@ std::vector<std::wstring> RegistryKey::Texts(const wchar_t* pszName) const
     return texts;
 }
 
-bool RegistryKey::DeleteValue(const wchar_t* pszName)
+bool HostKey::DeleteValue(const wchar_t* pszName)
 {
     return IsOpen() && RegDeleteValueW(m_hKey, pszName) == ERROR_SUCCESS;
 }
 
-void RegistryKey::Set(const wchar_t* pszName, DWORD dwType, const std::wstring& strData)
+void HostKey::Set(const wchar_t* pszName, DWORD dwType, const std::wstring& strData)
 {
     const auto cbData = static_cast<DWORD>((strData.size() + 1) * sizeof(wchar_t));
     const LSTATUS lStatus =
         RegSetValueExW(m_hKey, pszName, 0, dwType, reinterpret_cast<const BYTE*>(strData.c_str()), cbData);
     if (lStatus != ERROR_SUCCESS)
     {
-        ThrowError("can't write the registry value " + ToUtf8(pszName), static_cast<DWORD>(lStatus));
+        ThrowCommandError("can't write the registry value " + ToUtf8(pszName), static_cast<DWORD>(lStatus));
     }
 }
 
 bool DeleteKeyIfEmpty(const std::wstring& strPath)
 {
-    return RegistryKey::Open(strPath).IsEmpty() &&
+    return HostKey::Open(strPath).IsEmpty() &&
            RegDeleteKeyExW(HKEY_LOCAL_MACHINE, strPath.c_str(), KEY_WOW64_64KEY, 0) == ERROR_SUCCESS;
 }
 
