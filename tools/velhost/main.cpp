@@ -1,18 +1,34 @@
 /// velhost: plays the spooler and the application around a printer interface module.
 
 #include <windows.h>
+#include <shellapi.h>
 
 #include "tools/velhost/commands/Commands.h"
 #include "tools/velhost/report/Encoding.h"
 #include "tools/velhost/report/Output.h"
 
 #include <exception>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace
 {
+
+/// @return the process's arguments in UTF-8, the program's name first.
+std::vector<std::string> CommandLineUtf8()
+{
+    int iCount = 0;
+    const std::unique_ptr<LPWSTR, decltype(&LocalFree)> pArguments(CommandLineToArgvW(GetCommandLineW(), &iCount),
+                                                                   &LocalFree);
+    std::vector<std::string> arguments;
+    for (int i = 0; pArguments && i < iCount; ++i)
+    {
+        arguments.push_back(VelHost::ToUtf8(pArguments.get()[i]));
+    }
+    return arguments;
+}
 
 /// @return the message on one line.
 std::string OneLine(std::string strText)
@@ -66,7 +82,7 @@ int main()
     VelHost::PrepareOutput();
     try
     {
-        return Run(VelHost::CommandLineUtf8());
+        return Run(CommandLineUtf8());
     }
     catch (const std::exception& error)
     {

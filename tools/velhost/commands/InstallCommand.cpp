@@ -78,9 +78,8 @@ void CheckPrinterName(const std::wstring& strPrinter)
 void CheckPort(const std::wstring& strPort)
 {
     const std::vector<std::wstring> ports = PortNames();
-    const bool bThere = std::any_of(ports.begin(), ports.end(), [&strPort](const std::wstring& strOther) {
-        return lstrcmpiW(strOther.c_str(), strPort.c_str()) == 0;
-    });
+    const bool bThere = std::any_of(ports.begin(), ports.end(),
+                                    [&strPort](const std::wstring& strOther) { return IsSameName(strOther, strPort); });
     if (!bThere)
     {
         std::string strNames;

@@ -97,6 +97,16 @@ void RemoveFile(const char* pszItem, const std::wstring& strFile, UninstallSteps
     }
 }
 
+void RemoveRegistry(UninstallSteps& steps)
+{
+    const bool bValues = RemoveClientValues();
+    const bool bKeyKept = HostKey::Open(VelUtility::kClientKey).IsOpen();
+    steps.push_back({"registry", "HKLM\\" + ToUtf8(VelUtility::kClientKey),
+                     !bValues   ? "was not there"
+                     : bKeyKept ? "values removed, key has more, kept"
+                                : "removed"});
+}
+
 void RemoveFolders(const InstallRecord& record, UninstallSteps& steps)
 {
     for (const std::wstring& strFolder : record.dataFolders)
@@ -146,6 +156,22 @@ void PrintSteps(const UninstallOptions& options, const UninstallSteps& steps)
     Print(table.Text());
 }
 
+/// Keeps the record of what is left, so that a later run without --keep-data still knows what to remove.
+void KeepDataRecord(const InstallRecord& record)
+{
+    InstallRecord rest;
+    rest.files = record.files;
+    rest.dataFolders = record.dataFolders;
+    rest.parentFolders = record.parentFolders;
+    rest.Save();
+}
+
+void RemoveRecord()
+{
+    InstallRecord::Erase();
+    DeleteKeyIfEmpty(kVendorKey);
+}
+
 int RunUninstall(const UninstallOptions& options)
 {
     InstallRecord record = InstallRecord::Load();
@@ -172,13 +198,7 @@ int RunUninstall(const UninstallOptions& options)
             RemoveFile("driver file", strFile, steps);
         }
     }
-    const std::string strKey = "HKLM\\" + ToUtf8(VelUtility::kClientKey);
-    const bool bValues = RemoveClientValues();
-    const bool bKeyKept = HostKey::Open(VelUtility::kClientKey).IsOpen();
-    steps.push_back({"registry", strKey,
-                     !bValues   ? "was not there"
-                     : bKeyKept ? "values removed, key has more, kept"
-                                : "removed"});
+    RemoveRegistry(steps);
     if (!options.bKeepData)
     {
         for (const std::wstring& strFile : record.files)
@@ -194,20 +214,7 @@ int RunUninstall(const UninstallOptions& options)
         PrintSteps(options, steps);
         return kExitFailed;
     }
-    if (options.bKeepData)
-    {
-        // A later run without the option still knows what to remove.
-        InstallRecord rest;
-        rest.files = record.files;
-        rest.dataFolders = record.dataFolders;
-        rest.parentFolders = record.parentFolders;
-        rest.Save();
-    }
-    else
-    {
-        InstallRecord::Erase();
-        DeleteKeyIfEmpty(kVendorKey);
-    }
+    options.bKeepData ? KeepDataRecord(record) : RemoveRecord();
     PrintSteps(options, steps);
     return kExitGood;
 }

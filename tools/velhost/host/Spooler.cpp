@@ -34,12 +34,12 @@ std::wstring OrEmpty(const wchar_t* pszText)
     return pszText == nullptr ? std::wstring() : std::wstring(pszText);
 }
 
+} // namespace
+
 bool IsSameName(const std::wstring& strLeft, const std::wstring& strRight)
 {
     return lstrcmpiW(strLeft.c_str(), strRight.c_str()) == 0;
 }
-
-} // namespace
 
 PrinterHandle::~PrinterHandle()
 {

@@ -28,6 +28,9 @@ private:
     HANDLE m_hPrinter;
 };
 
+/// @return whether two names of printers, drivers, ports or files are one, whatever the case of their letters.
+bool IsSameName(const std::wstring& strLeft, const std::wstring& strRight);
+
 /// What is known of an installed printer.
 struct PrinterDescription
 {

@@ -1,6 +1,7 @@
 #include "tools/velhost/install/InstallRecord.h"
 
 #include "tools/velhost/host/HostKey.h"
+#include "tools/velhost/host/Spooler.h"
 
 #include <algorithm>
 
@@ -59,9 +60,8 @@ void InstallRecord::Erase()
 
 void AddOnce(std::vector<std::wstring>& texts, const std::wstring& strText)
 {
-    const bool bThere = std::any_of(texts.begin(), texts.end(), [&strText](const std::wstring& strOther) {
-        return lstrcmpiW(strOther.c_str(), strText.c_str()) == 0;
-    });
+    const bool bThere = std::any_of(texts.begin(), texts.end(),
+                                    [&strText](const std::wstring& strOther) { return IsSameName(strOther, strText); });
     if (!bThere)
     {
         texts.push_back(strText);

@@ -1,9 +1,6 @@
 #include "tools/velhost/report/Encoding.h"
 
 #include <windows.h>
-#include <shellapi.h>
-
-#include <memory>
 
 namespace VelHost
 {
@@ -65,19 +62,6 @@ std::wstring CellText(const wchar_t* pszCell, size_t cchCell)
         ++cchText;
     }
     return std::wstring(pszCell, cchText);
-}
-
-std::vector<std::string> CommandLineUtf8()
-{
-    int iCount = 0;
-    const std::unique_ptr<LPWSTR, decltype(&LocalFree)> pArguments(CommandLineToArgvW(GetCommandLineW(), &iCount),
-                                                                   &LocalFree);
-    std::vector<std::string> arguments;
-    for (int i = 0; pArguments && i < iCount; ++i)
-    {
-        arguments.push_back(ToUtf8(pArguments.get()[i]));
-    }
-    return arguments;
 }
 
 } // namespace VelHost

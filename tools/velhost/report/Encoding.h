@@ -5,7 +5,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace VelHost
 {
@@ -24,8 +23,5 @@ std::wstring FromCodePage(std::string_view strText);
 /// A text in a cell of fixed width, which need not be terminated.
 /// @param cchCell wide characters of the cell.
 std::wstring CellText(const wchar_t* pszCell, size_t cchCell);
-
-/// @return the process's arguments in UTF-8, the program's name first.
-std::vector<std::string> CommandLineUtf8();
 
 } // namespace VelHost
