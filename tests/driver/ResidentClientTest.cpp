@@ -12,7 +12,6 @@
 #include "tests/common/ImportHook.h"
 #include "tests/common/LogLines.h"
 #include "tests/common/StandIns.h"
-#include "tests/common/UserName.h"
 
 #include <catch2/catch.hpp>
 

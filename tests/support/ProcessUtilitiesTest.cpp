@@ -10,7 +10,7 @@
 #include "tests/common/ImportHook.h"
 #include "tests/common/PrivateRegistry.h"
 #include "tests/common/StandIns.h"
-#include "tests/common/UserName.h"
+#include "tests/common/ClientFixture.h"
 
 #include <boost/bind/bind.hpp>
 #include <catch2/catch.hpp>
