@@ -1,94 +1,27 @@
 #include "bench/BenchClient.h"
 
-#include "settings/DriverDevmode.h"
 #include "support/ProcessUtilities.h"
+#include "tools/velhost/host/Files.h"
 
 #include <chrono>
-#include <fstream>
+#include <filesystem>
 #include <stdexcept>
 
 namespace
 {
 
-constexpr wchar_t kViews[] = L"Software\\VelUIBench";
-constexpr wchar_t kClientKey[] = L"Software\\Vel-soft\\Client";
 constexpr wchar_t kWinlogonKey[] = L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon";
-constexpr wchar_t kComputerKey[] = L"System\\CurrentControlSet\\Control\\ComputerName";
 
 /// The user whose files are read.
 constexpr wchar_t kUser[] = L"mei";
 constexpr wchar_t kDomain[] = L"OFFICE";
-constexpr char kDefSetting[] = "[PrintSetting]\r\nDefaultNoWaterPrint=1\r\n";
 
-std::filesystem::path NewFolder()
+std::wstring UserFile(const BenchClient& client, const wchar_t* pszName)
 {
-    wchar_t szTemp[MAX_PATH] = {};
-    GetTempPathW(MAX_PATH, szTemp);
-    const auto folder = std::filesystem::path(szTemp) / (L"velbench" + std::to_wstring(GetCurrentProcessId()));
-    std::filesystem::remove_all(folder);
-    std::filesystem::create_directories(folder);
-    return folder;
+    return client.folder.File(std::wstring(kUser) + L"@" + kDomain + L"_" + pszName);
 }
 
-HKEY CreateKey(HKEY hParent, const wchar_t* pszKey)
-{
-    HKEY hKey = nullptr;
-    RegCreateKeyExW(hParent, pszKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &hKey, nullptr);
-    return hKey;
-}
-
-/// The computer's name is looked for in the view by the platform itself.
-void CopyComputerName(HKEY hRoot)
-{
-    HKEY hSource = nullptr;
-    RegOpenKeyExW(HKEY_LOCAL_MACHINE, kComputerKey, 0, KEY_READ, &hSource);
-    const HKEY hTarget = CreateKey(hRoot, kComputerKey);
-    RegCopyTreeW(hSource, nullptr, hTarget);
-    RegCloseKey(hTarget);
-    RegCloseKey(hSource);
-}
-
-void AppendKey(std::wstring& strText, const std::wstring& strKey, const std::wstring& strValue)
-{
-    strText += strKey + L"=" + strValue + L"\r\n";
-}
-
-void AppendPaper(std::wstring& strText, const wchar_t* pszBaseKey, int i, const std::wstring& strValue)
-{
-    AppendKey(strText, pszBaseKey + std::to_wstring(i), strValue);
-}
-
-/// The lists in the order in which a snapshot is written.
-std::wstring PapersText(int iPapers)
-{
-    std::wstring strText = L"\xFEFF[DeviceCapabilities]\r\n";
-    const std::wstring strCount = std::to_wstring(iPapers);
-    AppendKey(strText, L"PaperNamesCount", strCount);
-    for (int i = 0; i < iPapers; ++i)
-    {
-        AppendPaper(strText, L"PaperNames", i, L"Paper " + std::to_wstring(i));
-    }
-    AppendKey(strText, L"PapersCount", strCount);
-    for (int i = 0; i < iPapers; ++i)
-    {
-        AppendPaper(strText, L"Papers", i, std::to_wstring(i + 1));
-    }
-    AppendKey(strText, L"PaperSizeCount", strCount);
-    for (int i = 0; i < iPapers; ++i)
-    {
-        AppendPaper(strText, L"PaperSizeX", i, std::to_wstring(1000 + 10 * i));
-        AppendPaper(strText, L"PaperSizeY", i, std::to_wstring(2000 + 10 * i));
-    }
-    return strText;
-}
-
-void WriteBytes(const std::wstring& strPath, const void* pBytes, size_t cbBytes)
-{
-    std::ofstream(std::filesystem::path(strPath), std::ios::binary)
-        .write(static_cast<const char*>(pBytes), static_cast<std::streamsize>(cbBytes));
-}
-
-/// Gives a file a time that has long passed, each time another one. The platform reads a profile file anew at each call
+/// Gives a file a time that has long passed, each time another one. Windows reads a profile file anew at each call
 /// while its last change is a moment ago; later it does so only when the time has changed.
 void Age(const std::wstring& strPath)
 {
@@ -97,90 +30,79 @@ void Age(const std::wstring& strPath)
     std::filesystem::last_write_time(strPath, std::filesystem::file_time_type::clock::now() - age);
 }
 
-template <typename Function>
-void Find(HMODULE hModule, const char* pszName, Function& pfn)
-{
-    pfn = reinterpret_cast<Function>(
-        reinterpret_cast<void*>(hModule != nullptr ? GetProcAddress(hModule, pszName) : nullptr));
-}
-
 } // namespace
 
-std::wstring Beside(const wchar_t* pszName)
+BenchClient::BenchClient()
 {
-    wchar_t szPath[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, szPath, MAX_PATH);
-    return std::filesystem::path(szPath).replace_filename(pszName).wstring();
-}
-
-BenchClient::BenchClient() : m_folder(NewFolder())
-{
-    RegDeleteTreeW(HKEY_CURRENT_USER, kViews);
-    m_hRoot = CreateKey(HKEY_CURRENT_USER, kViews);
-    CopyComputerName(m_hRoot);
-    for (const wchar_t* pszValue : {L"InstallDir", L"DataDir", L"TempDir"})
-    {
-        SetText(kClientKey, pszValue, m_folder.wstring());
-    }
-    SetText(kWinlogonKey, L"DefaultUserName", kUser);
-    SetText(kWinlogonKey, L"DefaultDomainName", kDomain);
-    SetText(L"Software\\Microsoft\\Windows\\CurrentVersion", L"ProgramFilesDir", File(L"Program Files"));
-    const std::wstring strDefSetting = File(std::wstring(kUser) + L"@" + kDomain + L"_defsetting.ini");
-    WriteBytes(strDefSetting, kDefSetting, sizeof(kDefSetting) - 1);
+    registry.SetText(kWinlogonKey, L"DefaultUserName", kUser);
+    registry.SetText(kWinlogonKey, L"DefaultDomainName", kDomain);
+    registry.SetText(L"Software\\Microsoft\\Windows\\CurrentVersion", L"ProgramFilesDir",
+                     folder.File(L"Program Files"));
+    const std::wstring strDefSetting = UserFile(*this, L"defsetting.ini");
+    WriteFileBytes(strDefSetting, "[PrintSetting]\r\nDefaultNoWaterPrint=1\r\n");
     Age(strDefSetting);
     UseSample();
-    RegOverridePredefKey(HKEY_LOCAL_MACHINE, m_hRoot);
-}
-
-BenchClient::~BenchClient()
-{
-    RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
-    RegCloseKey(m_hRoot);
-    RegDeleteTreeW(HKEY_CURRENT_USER, kViews);
-    std::error_code ignored;
-    std::filesystem::remove_all(m_folder, ignored);
-}
-
-void BenchClient::SetText(const wchar_t* pszKey, const wchar_t* pszValue, const std::wstring& strText) const
-{
-    const HKEY hKey = CreateKey(m_hRoot, pszKey);
-    RegSetValueExW(hKey, pszValue, 0, REG_SZ, reinterpret_cast<const BYTE*>(strText.c_str()),
-                   static_cast<DWORD>((strText.size() + 1) * sizeof(wchar_t)));
-    RegCloseKey(hKey);
 }
 
 void BenchClient::UseSample() const
 {
-    CopyFileW(Beside(L"sample\\Config.ini").c_str(), File(L"Config.ini").c_str(), FALSE);
-    Age(File(L"Config.ini"));
+    CopyFileW(VelHost::BesideProgram(L"sample\\Config.ini").c_str(), ConfigFile().c_str(), FALSE);
+    Age(ConfigFile());
 }
 
 void BenchClient::UsePapers(int iPapers) const
 {
-    const std::wstring strText = PapersText(iPapers);
-    WriteBytes(File(L"Config.ini"), strText.data(), strText.size() * sizeof(wchar_t));
-    Age(File(L"Config.ini"));
+    // The lists in the order in which a snapshot is written.
+    std::vector<std::pair<std::wstring, std::wstring>> keys;
+    const auto add = [&keys](const wchar_t* pszKey, int i, const std::wstring& strValue) {
+        keys.emplace_back(pszKey + std::to_wstring(i), strValue);
+    };
+    const std::wstring strCount = std::to_wstring(iPapers);
+    keys.emplace_back(L"PaperNamesCount", strCount);
+    for (int i = 0; i < iPapers; ++i)
+    {
+        add(L"PaperNames", i, L"Paper " + std::to_wstring(i));
+    }
+    keys.emplace_back(L"PapersCount", strCount);
+    for (int i = 0; i < iPapers; ++i)
+    {
+        add(L"Papers", i, std::to_wstring(i + 1));
+    }
+    keys.emplace_back(L"PaperSizeCount", strCount);
+    for (int i = 0; i < iPapers; ++i)
+    {
+        add(L"PaperSizeX", i, std::to_wstring(1000 + 10 * i));
+        add(L"PaperSizeY", i, std::to_wstring(2000 + 10 * i));
+    }
+    WriteCaps(keys);
+    Age(ConfigFile());
 }
 
 void BenchClient::StoreRecord(bool bStored) const
 {
-    const std::wstring strPath = File(std::wstring(kUser) + L"@" + kDomain + L"_DevMode.dat");
+    const std::wstring strPath = UserFile(*this, L"DevMode.dat");
     DeleteFileW(strPath.c_str());
     if (bStored)
     {
-        DEVMODEW stuDevmode = {};
-        stuDevmode.dmSize = kDevmodeSize;
-        stuDevmode.dmDriverExtra = kDriverExtra;
-        stuDevmode.dmPaperSize = DMPAPER_A4;
-        WriteBytes(strPath, &stuDevmode, sizeof(stuDevmode));
+        const stuDrvDevmode record = RecordOfPaper(DMPAPER_A4);
+        WriteFileBytes(strPath, std::string(reinterpret_cast<const char*>(&record.stuDevmode), kDevmodeSize));
     }
+}
+
+stuDrvDevmode RecordOfPaper(short sPaperSize)
+{
+    stuDrvDevmode record = {};
+    record.stuDevmode.dmSize = kDevmodeSize;
+    record.stuDevmode.dmDriverExtra = kDriverExtra;
+    record.stuDevmode.dmPaperSize = sPaperSize;
+    return record;
 }
 
 ResidentStandIn::ResidentStandIn(const BenchClient& client)
 {
     const std::filesystem::path path = client.ResidentPath();
     std::filesystem::create_directories(path.parent_path());
-    CopyFileW(Beside(L"benchclient.exe").c_str(), path.c_str(), FALSE);
+    CopyFileW(VelHost::BesideProgram(L"benchclient.exe").c_str(), path.c_str(), FALSE);
     std::wstring strCommand = L"\"" + path.wstring() + L"\" " + std::to_wstring(GetCurrentProcessId());
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
@@ -204,28 +126,4 @@ ResidentStandIn::~ResidentStandIn()
     CloseHandle(m_process.hProcess);
 }
 
-UserScope::UserScope(const wchar_t* pszUser)
-{
-    GetEnvironmentVariableW(L"WINEUSERNAME", m_szBefore, 257);
-    SetEnvironmentVariableW(L"WINEUSERNAME", pszUser);
-}
-
-UserScope::~UserScope()
-{
-    SetEnvironmentVariableW(L"WINEUSERNAME", m_szBefore);
-}
-
-BenchModule::BenchModule() : handle(LoadLibraryW(Beside(L"VelUI.dll").c_str()))
-{
-    Find(handle, "DrvDeviceCapabilities", pfnCaps);
-    Find(handle, "DrvConvertDevMode", pfnConvert);
-    Find(handle, "DrvDocumentPropertySheets", pfnDocument);
-}
-
-BenchModule::~BenchModule()
-{
-    if (handle != nullptr)
-    {
-        FreeLibrary(handle);
-    }
-}
+BenchModule::BenchModule() : HostModule(VelHost::ModulePath("")) {}

@@ -1,30 +1,23 @@
 #pragma once
-/// The client that is measured with: folders, a registry view that names them, and a resident client that runs.
+/// The client that is measured with: what its files hold, a resident client that runs, and the module itself.
 
+#include "settings/DriverDevmode.h"
 #include "support/module/PrinterInterface.h"
+#include "tests/common/ClientFixture.h"
+#include "tools/velhost/host/HostModule.h"
 
 #include <windows.h>
 
-#include <filesystem>
 #include <string>
 
-/// Full path of a file beside the program.
-std::wstring Beside(const wchar_t* pszName);
-
-/// A scratch folder with the client's files, and a private view in the place of HKEY_LOCAL_MACHINE. Both go with the
-/// object.
-class BenchClient
+/// A scratch client with a user's files and the sample printer's snapshot.
+class BenchClient : public ScratchClient
 {
 public:
     BenchClient();
-    ~BenchClient();
-    BenchClient(const BenchClient&) = delete;
-    BenchClient& operator=(const BenchClient&) = delete;
 
-    /// Full path of a file in the scratch folder, which is InstallDir, DataDir and TempDir in one.
-    std::wstring File(const std::wstring& strName) const { return (m_folder / strName).wstring(); }
     /// The path that the resident client has in the view's Program Files folder.
-    std::wstring ResidentPath() const { return File(L"Program Files\\Vel-soft\\Client\\VelprintD.exe"); }
+    std::wstring ResidentPath() const { return folder.File(L"Program Files\\Vel-soft\\Client\\VelprintD.exe"); }
 
     /// Puts the sample printer's snapshot in the place of Config.ini.
     void UseSample() const;
@@ -32,13 +25,10 @@ public:
     void UsePapers(int iPapers) const;
     /// Stores a record as the user's DevMode.dat, or takes the file away.
     void StoreRecord(bool bStored) const;
-
-private:
-    void SetText(const wchar_t* pszKey, const wchar_t* pszValue, const std::wstring& strText) const;
-
-    std::filesystem::path m_folder;
-    HKEY m_hRoot = nullptr;
 };
+
+/// A whole record that declares its sizes and a paper, and is 0 otherwise.
+stuDrvDevmode RecordOfPaper(short sPaperSize);
 
 /// A process that stands in for the resident client and ends with the object. From the second check on the module knows
 /// it, which is the steady state.
@@ -56,30 +46,13 @@ private:
     PROCESS_INFORMATION m_process = {};
 };
 
-/// Another user for the length of a scope.
-class UserScope
+/// The built VelUI.dll and what is measured of it.
+struct BenchModule : VelHost::HostModule
 {
-public:
-    explicit UserScope(const wchar_t* pszUser);
-    ~UserScope();
-    UserScope(const UserScope&) = delete;
-    UserScope& operator=(const UserScope&) = delete;
-
-private:
-    wchar_t m_szBefore[257] = {};
-};
-
-/// The built VelUI.dll. Its functions are null when it can't be loaded.
-class BenchModule
-{
-public:
     BenchModule();
-    ~BenchModule();
-    BenchModule(const BenchModule&) = delete;
-    BenchModule& operator=(const BenchModule&) = delete;
 
-    HMODULE handle;
-    decltype(&DrvDeviceCapabilities) pfnCaps;
-    decltype(&DrvConvertDevMode) pfnConvert;
-    decltype(&DrvDocumentPropertySheets) pfnDocument;
+    decltype(&DrvDeviceCapabilities) pfnCaps = Get<decltype(DrvDeviceCapabilities)>("DrvDeviceCapabilities");
+    decltype(&DrvConvertDevMode) pfnConvert = Get<decltype(DrvConvertDevMode)>("DrvConvertDevMode");
+    decltype(&DrvDocumentPropertySheets) pfnDocument =
+        Get<decltype(DrvDocumentPropertySheets)>("DrvDocumentPropertySheets");
 };

@@ -1,26 +1,26 @@
 #pragma once
-/// The subjects that are measured, a function each; every one adds its rows to the table.
+/// The subjects that are measured, a function each; every one adds its rows to the results.
 
 #include "bench/BenchClient.h"
 #include "bench/Measure.h"
 
 /// Loading and unloading the module, which must not be loaded yet.
-void BenchLoad(Table& table);
+void BenchLoad(Results& results);
 
 /// DrvDeviceCapabilities, with the resident client known and alive.
-void BenchCaps(Table& table, const BenchClient& client, const BenchModule& module, DWORD dwClientPid);
+void BenchCaps(Results& results, const BenchClient& client, const BenchModule& module, DWORD dwClientPid);
 
 /// DrvConvertDevMode, the merge, and the background form of DrvDocumentPropertySheets.
-void BenchRecords(Table& table, const BenchClient& client, const BenchModule& module, DWORD dwClientPid);
+void BenchRecords(Results& results, const BenchClient& client, const BenchModule& module, DWORD dwClientPid);
 
 /// A document sheet, from its first call to its visible page.
-void BenchSheet(Table& table, const BenchClient& client, const BenchModule& module, DWORD dwClientPid);
+void BenchSheet(Results& results, const BenchClient& client, const BenchModule& module, DWORD dwClientPid);
 
 /// Capability queries on several threads.
-void BenchThreads(Table& table, const BenchClient& client, const BenchModule& module, DWORD dwClientPid);
+void BenchThreads(Results& results, const BenchClient& client, const BenchModule& module, DWORD dwClientPid);
 
 /// The log calls while logging is off, and the memory that they ask for.
-void BenchLogOff(Table& table);
+void BenchLogOff(Results& results);
 
 /// The log calls while logging is on, which they switch on and off again.
-void BenchLogOn(Table& table, const BenchClient& client);
+void BenchLogOn(Results& results, const BenchClient& client);

@@ -24,43 +24,43 @@ wchar_t* Names()
 }
 
 /// One code of the snapshot and its floor without the check of the resident client.
-struct Snapshot
+struct SnapshotCode
 {
     const char* pszName;
     WORD iDevCap;
     std::function<DWORD()> floor;
 };
 
-Snapshot Number(const char* pszName, WORD iDevCap, const wchar_t* pszKey)
+SnapshotCode Number(const char* pszName, WORD iDevCap, const wchar_t* pszKey)
 {
     return {pszName, iDevCap, [=] { return FloorNumber(pszKey); }};
 }
-Snapshot WordList(const char* pszName, WORD iDevCap, const wchar_t* pszCountKey, const wchar_t* pszBaseKey)
+SnapshotCode WordList(const char* pszName, WORD iDevCap, const wchar_t* pszCountKey, const wchar_t* pszBaseKey)
 {
     return {pszName, iDevCap, [=] { return FloorWords(pszCountKey, pszBaseKey, Words()); }};
 }
-Snapshot DwordList(const char* pszName, WORD iDevCap, const wchar_t* pszCountKey, const wchar_t* pszBaseKey)
+SnapshotCode DwordList(const char* pszName, WORD iDevCap, const wchar_t* pszCountKey, const wchar_t* pszBaseKey)
 {
     return {pszName, iDevCap,
             [=] { return FloorDwords(pszCountKey, pszBaseKey, reinterpret_cast<DWORD*>(g_abyOutput)); }};
 }
-Snapshot PairList(const char* pszName, WORD iDevCap, const wchar_t* pszCountKey, const wchar_t* pszX,
-                  const wchar_t* pszY)
+SnapshotCode PairList(const char* pszName, WORD iDevCap, const wchar_t* pszCountKey, const wchar_t* pszX,
+                      const wchar_t* pszY)
 {
     return {pszName, iDevCap,
             [=] { return FloorPairs(pszCountKey, pszX, pszY, reinterpret_cast<POINT*>(g_abyOutput)); }};
 }
-Snapshot NameList(const char* pszName, WORD iDevCap, const wchar_t* pszCountKey, const wchar_t* pszBaseKey,
-                  DWORD dwWidth = 64)
+SnapshotCode NameList(const char* pszName, WORD iDevCap, const wchar_t* pszCountKey, const wchar_t* pszBaseKey,
+                      DWORD dwWidth = 64)
 {
     return {pszName, iDevCap, [=] { return FloorNames(pszCountKey, pszBaseKey, Names(), dwWidth); }};
 }
 
-const Snapshot kPapers = WordList("DC_PAPERS", DC_PAPERS, L"PapersCount", L"Papers");
-const Snapshot kPaperSize = PairList("DC_PAPERSIZE", DC_PAPERSIZE, L"PaperSizeCount", L"PaperSizeX", L"PaperSizeY");
-const Snapshot kPaperNames = NameList("DC_PAPERNAMES", DC_PAPERNAMES, L"PaperNamesCount", L"PaperNames");
+const SnapshotCode kPapers = WordList("DC_PAPERS", DC_PAPERS, L"PapersCount", L"Papers");
+const SnapshotCode kPaperSize = PairList("DC_PAPERSIZE", DC_PAPERSIZE, L"PaperSizeCount", L"PaperSizeX", L"PaperSizeY");
+const SnapshotCode kPaperNames = NameList("DC_PAPERNAMES", DC_PAPERNAMES, L"PaperNamesCount", L"PaperNames");
 
-std::vector<Snapshot> AllCodes()
+std::vector<SnapshotCode> AllCodes()
 {
     return {kPapers,
             kPaperSize,
@@ -88,28 +88,28 @@ std::vector<Snapshot> AllCodes()
 class CapsMeter
 {
 public:
-    CapsMeter(Table& table, const BenchModule& module, DWORD dwClientPid)
-        : m_table(table), m_module(module), m_dwClientPid(dwClientPid)
+    CapsMeter(Results& results, const BenchModule& module, DWORD dwClientPid)
+        : m_results(results), m_module(module), m_dwClientPid(dwClientPid)
     {}
 
     /// A code that is answered without the snapshot: all that is left is the check of the resident client.
     void Constant(const std::string& strMeasure, WORD iDevCap, DWORD dwClientPid, Goal goal)
     {
-        m_table.Measure(strMeasure, Repeat([=] { FloorClientCheck(dwClientPid); }), Query(iDevCap), goal);
+        m_results.Measure(strMeasure, Repeat([=] { FloorClientCheck(dwClientPid); }), Query(iDevCap), goal);
     }
-    Row Code(const Snapshot& code, const std::string& strWith, Goal goal = kGoal)
+    Row Code(const SnapshotCode& code, const std::string& strWith, Goal goal = kGoal)
     {
         CheckAnswer(code);
-        return m_table.Measure(std::string(code.pszName) + ", " + strWith, Repeat([this, &code] {
-                                   FloorClientCheck(m_dwClientPid);
-                                   code.floor();
-                               }),
-                               Query(code.iDevCap), goal);
+        return m_results.Measure(std::string(code.pszName) + ", " + strWith, Repeat([this, &code] {
+                                     FloorClientCheck(m_dwClientPid);
+                                     code.floor();
+                                 }),
+                                 Query(code.iDevCap), goal);
     }
 
 private:
     /// What is compared must do the same work.
-    void CheckAnswer(const Snapshot& code) const
+    void CheckAnswer(const SnapshotCode& code) const
     {
         const DWORD dwFloor = code.floor();
         const DWORD dwOurs = m_module.pfnCaps(nullptr, nullptr, code.iDevCap, g_abyOutput, nullptr);
@@ -126,35 +126,35 @@ private:
             [pfnCaps = m_module.pfnCaps, iDevCap] { pfnCaps(nullptr, nullptr, iDevCap, g_abyOutput, nullptr); });
     }
 
-    Table& m_table;
+    Results& m_results;
     const BenchModule& m_module;
     DWORD m_dwClientPid;
 };
 
 /// What 290 papers more cost, ours to floor.
-void AddGrowth(Table& table, const char* pszName, const Row& few, const Row& many)
+void AddGrowth(Results& results, const char* pszName, const Row& few, const Row& many)
 {
     const double dFloor = many.dFloor - few.dFloor;
     const double dOurs = many.dOurs - few.dOurs;
-    table.Add({std::string(pszName) + ", growth from 10 to 300 papers", dFloor, dOurs, dOurs / dFloor, 0, kGoal});
+    results.Add({std::string(pszName) + ", growth from 10 to 300 papers", dFloor, dOurs, dOurs / dFloor, 0, kGoal});
 }
 
 } // namespace
 
-void BenchCaps(Table& table, const BenchClient& client, const BenchModule& module, DWORD dwClientPid)
+void BenchCaps(Results& results, const BenchClient& client, const BenchModule& module, DWORD dwClientPid)
 {
-    CapsMeter meter(table, module, dwClientPid);
+    CapsMeter meter(results, module, dwClientPid);
     meter.Constant("constant code (DC_SIZE), steady client", DC_SIZE, dwClientPid, kGoal);
     meter.Constant("refused code (DC_FIELDS), steady client", DC_FIELDS, dwClientPid, kGoal);
     {
-        const UserScope system(L"SYSTEM");
+        const UserName system(L"SYSTEM");
         meter.Constant("constant code (DC_SIZE), user SYSTEM", DC_SIZE, 0, RatioGoal(kNoLimit));
     }
-    for (const Snapshot& code : AllCodes())
+    for (const SnapshotCode& code : AllCodes())
     {
         meter.Code(code, "sample");
     }
-    for (const Snapshot& code : {kPapers, kPaperSize, kPaperNames})
+    for (const SnapshotCode& code : {kPapers, kPaperSize, kPaperNames})
     {
         client.UsePapers(10);
         const Row few = meter.Code(code, "10 papers");
@@ -162,7 +162,7 @@ void BenchCaps(Table& table, const BenchClient& client, const BenchModule& modul
         meter.Code(code, "100 papers");
         client.UsePapers(300);
         const Row many = meter.Code(code, "300 papers");
-        AddGrowth(table, code.pszName, few, many);
+        AddGrowth(results, code.pszName, few, many);
     }
     client.UseSample();
 }

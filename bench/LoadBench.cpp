@@ -1,5 +1,6 @@
 #include "bench/Benches.h"
 #include "tests/common/Handles.h"
+#include "tools/velhost/host/Files.h"
 
 #include <psapi.h>
 
@@ -34,7 +35,7 @@ double HandlePlace()
 }
 
 /// What a file adds to the process while it is loaded, and what is left of it.
-void TellMemory(Table& table, const char* pszName, const std::wstring& strFile)
+void TellMemory(Results& results, const char* pszName, const std::wstring& strFile)
 {
     const std::string strName = pszName;
     const Memory before;
@@ -49,24 +50,24 @@ void TellMemory(Table& table, const char* pszName, const std::wstring& strFile)
     }
     const Memory later;
     const Goal told = PlainGoal("KiB");
-    table.AddNumber(strName + ": working set, first load", loaded.dWorkingSet - before.dWorkingSet, told);
-    table.AddNumber(strName + ": own memory, first load", loaded.dPagefile - before.dPagefile, told);
-    table.AddNumber(strName + ": working set left by 500 loads", later.dWorkingSet - unloaded.dWorkingSet, told);
-    table.AddNumber(strName + ": handles left by 500 loads", HandlePlace() - dPlace, PlainGoal("handles"));
+    results.AddNumber(strName + ": working set, first load", loaded.dWorkingSet - before.dWorkingSet, told);
+    results.AddNumber(strName + ": own memory, first load", loaded.dPagefile - before.dPagefile, told);
+    results.AddNumber(strName + ": working set left by 500 loads", later.dWorkingSet - unloaded.dWorkingSet, told);
+    results.AddNumber(strName + ": handles left by 500 loads", HandlePlace() - dPlace, PlainGoal("handles"));
 }
 
 } // namespace
 
-void BenchLoad(Table& table)
+void BenchLoad(Results& results)
 {
-    const std::wstring strEmpty = Beside(L"EmptyModule.dll");
-    const std::wstring strLog4cpp = Beside(L"EmptyWithLog4cpp.dll");
-    const std::wstring strOurs = Beside(L"VelUI.dll");
-    TellMemory(table, "EmptyModule.dll", strEmpty);
-    TellMemory(table, "VelUI.dll", strOurs);
-    table.Measure("load and unload", Repeat([&] { LoadAndUnload(strEmpty); }), Repeat([&] { LoadAndUnload(strOurs); }),
-                  RatioGoal(1.5));
-    table.Measure("of which log4cpp and the C++ run-time: an empty module with them",
-                  Repeat([&] { LoadAndUnload(strEmpty); }), Repeat([&] { LoadAndUnload(strLog4cpp); }),
-                  RatioGoal(kNoLimit));
+    const std::wstring strEmpty = VelHost::BesideProgram(L"EmptyModule.dll");
+    const std::wstring strLog4cpp = VelHost::BesideProgram(L"EmptyWithLog4cpp.dll");
+    const std::wstring strOurs = VelHost::BesideProgram(L"VelUI.dll");
+    TellMemory(results, "EmptyModule.dll", strEmpty);
+    TellMemory(results, "VelUI.dll", strOurs);
+    results.Measure("load and unload", Repeat([&] { LoadAndUnload(strEmpty); }),
+                    Repeat([&] { LoadAndUnload(strOurs); }), RatioGoal(1.5));
+    results.Measure("of which log4cpp and the C++ run-time: an empty module with them",
+                    Repeat([&] { LoadAndUnload(strEmpty); }), Repeat([&] { LoadAndUnload(strLog4cpp); }),
+                    RatioGoal(kNoLimit));
 }

@@ -41,23 +41,23 @@ namespace
 constexpr Goal kPredicateGoal = OverGoal(2);
 constexpr Goal kScopeGoal = OverGoal(5);
 
-void MeasureOff(Table& table, const char* pszMeasure, const Loop& ours, Goal goal)
+void MeasureOff(Results& results, const char* pszMeasure, const Loop& ours, Goal goal)
 {
     // The floor is the loop alone.
-    table.Measure(pszMeasure, Repeat([] {}), ours, goal);
+    results.Measure(pszMeasure, Repeat([] {}), ours, goal);
 }
 
 /// The blocks of a thousand calls.
-void CountBlocks(Table& table, const char* pszMeasure, const Loop& ours, double dMost)
+void CountBlocks(Results& results, const char* pszMeasure, const Loop& ours, double dMost)
 {
     const size_t uiBefore = g_uiBlocks;
     ours(1000);
-    table.AddNumber(pszMeasure, static_cast<double>(g_uiBlocks - uiBefore), PlainGoal("blocks", dMost));
+    results.AddNumber(pszMeasure, static_cast<double>(g_uiBlocks - uiBefore), PlainGoal("blocks", dMost));
 }
 
 } // namespace
 
-void BenchLogOff(Table& table)
+void BenchLogOff(Results& results)
 {
     const Loop predicate = Repeat([] {
         if (IsErrorEnabled())
@@ -76,17 +76,17 @@ void BenchLogOff(Table& table)
         FunctionScope scope("Bench");
         TRACE_ARGUMENTS(scope, iArgument);
     });
-    MeasureOff(table, "logging off: a predicate", predicate, kPredicateGoal);
-    MeasureOff(table, "logging off: a predicate and its line", line, kPredicateGoal);
-    MeasureOff(table, "logging off: LogParam with its argument's text", result, kPredicateGoal);
-    MeasureOff(table, "logging off: a trace scope with its FunctionTrace", scope, kScopeGoal);
-    MeasureOff(table, "logging off: the same with an argument's predicate", argument, kScopeGoal);
-    CountBlocks(table, "logging off: blocks of 1,000 predicates with lines", line, 0);
-    CountBlocks(table, "logging off: blocks of 1,000 scopes with FunctionTrace", argument, 0);
+    MeasureOff(results, "logging off: a predicate", predicate, kPredicateGoal);
+    MeasureOff(results, "logging off: a predicate and its line", line, kPredicateGoal);
+    MeasureOff(results, "logging off: LogParam with its argument's text", result, kPredicateGoal);
+    MeasureOff(results, "logging off: a trace scope with its FunctionTrace", scope, kScopeGoal);
+    MeasureOff(results, "logging off: the same with an argument's predicate", argument, kScopeGoal);
+    CountBlocks(results, "logging off: blocks of 1,000 predicates with lines", line, 0);
+    CountBlocks(results, "logging off: blocks of 1,000 scopes with FunctionTrace", argument, 0);
     // Shows that the count sees what it is to see.
     const Loop known = Repeat([] {
         const std::string strText(100, 'x');
         __asm__ volatile("" : : "r"(strText.data()) : "memory");
     });
-    CountBlocks(table, "for comparison: blocks of 1,000 long texts", known, kNoLimit);
+    CountBlocks(results, "for comparison: blocks of 1,000 long texts", known, kNoLimit);
 }

@@ -17,7 +17,7 @@ constexpr wchar_t kFolder[] = L"C:\\Program Files\\Vel-soft\\Client\\Data";
 /// The configuration of the sample, without an appender: those are put on by hand.
 std::string WriteConfig(const BenchClient& client)
 {
-    const std::filesystem::path path = client.File(L"BenchLog.conf");
+    const std::filesystem::path path = client.folder.File(L"BenchLog.conf");
     std::ofstream(path) << "rootCategory=ERROR\n"
                            "category.VelUI_dll=DEBUG\n"
                            "additivity.VelUI_dll=false\n"
@@ -33,8 +33,8 @@ class Pair
 {
 public:
     /// @param strTo what the measures' names say of the appenders.
-    Pair(Table& table, const std::string& strTo, log4cpp::Appender& ours, log4cpp::Appender& bare)
-        : m_table(table), m_strTo(strTo), m_ours(ours), m_bareAppender(bare)
+    Pair(Results& results, const std::string& strTo, log4cpp::Appender& ours, log4cpp::Appender& bare)
+        : m_results(results), m_strTo(strTo), m_ours(ours), m_bareAppender(bare)
     {
         Bare().setPriority(log4cpp::Priority::DEBUG);
         Bare().setAdditivity(false);
@@ -54,14 +54,14 @@ public:
     template <typename Floor, typename Call>
     void Measure(const std::string& strLine, Floor floor, Call ours, Goal goal = kGoal)
     {
-        m_table.Measure("logging on, " + m_strTo + ": " + strLine, Repeat([floor, pBare = &Bare()] { floor(*pBare); }),
-                        Repeat(ours), goal);
+        m_results.Measure("logging on, " + m_strTo + ": " + strLine,
+                          Repeat([floor, pBare = &Bare()] { floor(*pBare); }), Repeat(ours), goal);
     }
 
 private:
     static log4cpp::Category& Ours() { return log4cpp::Category::getInstance(kModuleTag); }
 
-    Table& m_table;
+    Results& m_results;
     std::string m_strTo;
     log4cpp::Appender& m_ours;
     log4cpp::Appender& m_bareAppender;
@@ -98,7 +98,7 @@ void BenchLines(Pair& pair)
 
 } // namespace
 
-void BenchLogOn(Table& table, const BenchClient& client)
+void BenchLogOn(Results& results, const BenchClient& client)
 {
     StartLogging(WriteConfig(client).c_str());
     if (loggingDisabled)
@@ -108,13 +108,13 @@ void BenchLogOn(Table& table, const BenchClient& client)
     {
         CountingAppender ours("ours");
         CountingAppender bare("bare");
-        Pair pair(table, "counting appender", ours, bare);
+        Pair pair(results, "counting appender", ours, bare);
         BenchLines(pair);
     }
     {
-        const auto pOurs = MakeFileAppender("ours", std::filesystem::path(client.File(L"ours.log")).string());
-        const auto pBare = MakeFileAppender("bare", std::filesystem::path(client.File(L"bare.log")).string());
-        Pair pair(table, "file", *pOurs, *pBare);
+        const auto pOurs = MakeFileAppender("ours", std::filesystem::path(client.folder.File(L"ours.log")).string());
+        const auto pBare = MakeFileAppender("bare", std::filesystem::path(client.folder.File(L"bare.log")).string());
+        Pair pair(results, "file", *pOurs, *pBare);
         BenchLines(pair);
     }
     StopLogging();

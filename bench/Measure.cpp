@@ -119,7 +119,7 @@ Row RowOfPairs(const std::string& strMeasure, const std::vector<double>& floors,
             goal};
 }
 
-Row Table::Measure(const std::string& strMeasure, const Loop& floor, const Loop& ours, Goal goal)
+Row Results::Measure(const std::string& strMeasure, const Loop& floor, const Loop& ours, Goal goal)
 {
     const int iCalls = std::min(CallsOfLoop(floor), CallsOfLoop(ours));
     const double dPair = (NanosecondsPerCall(floor, iCalls) + NanosecondsPerCall(ours, iCalls)) * iCalls;
@@ -143,7 +143,7 @@ Row Table::Measure(const std::string& strMeasure, const Loop& floor, const Loop&
     return m_rows.back();
 }
 
-void Table::Add(const Row& row)
+void Results::Add(const Row& row)
 {
     if (m_rows.empty())
     {
@@ -153,12 +153,12 @@ void Table::Add(const Row& row)
     PrintRow(row);
 }
 
-void Table::AddNumber(const std::string& strMeasure, double dNumber, Goal goal)
+void Results::AddNumber(const std::string& strMeasure, double dNumber, Goal goal)
 {
     Add({strMeasure, 0, 0, dNumber, 0, goal});
 }
 
-void Table::Report(const std::string& strJsonFile) const
+void Results::Report(const std::string& strJsonFile) const
 {
     nlohmann::json rows = nlohmann::json::array();
     int iGoals = 0;

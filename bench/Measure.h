@@ -37,7 +37,7 @@ inline constexpr Goal PlainGoal(const char* pszUnit, double dMost = kNoLimit)
     return {Goal::Figure::Plain, dMost, pszUnit};
 }
 
-/// One line of the table. Times are nanoseconds of one call, but where the goal names another unit.
+/// One line of the results. Times are nanoseconds of one call, but where the goal names another unit.
 struct Row
 {
     std::string strMeasure;
@@ -83,8 +83,8 @@ double Quantile(std::vector<double> values, double dPart);
 Row RowOfPairs(const std::string& strMeasure, const std::vector<double>& floors, const std::vector<double>& ours,
                Goal goal);
 
-/// The table of a run.
-class Table
+/// The rows of a run, printed as a table.
+class Results
 {
 public:
     /// Times both loops in interleaved rounds and adds a row; which one goes first changes from round to round. The

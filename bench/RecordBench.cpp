@@ -13,18 +13,10 @@ constexpr Goal kCopyGoal = OverGoal(60);
 /// For what reads files.
 constexpr Goal kFileGoal = RatioGoal(1.05);
 
-stuDrvDevmode EmptyRecord()
-{
-    stuDrvDevmode record = {};
-    record.stuDevmode.dmSize = kDevmodeSize;
-    record.stuDevmode.dmDriverExtra = kDriverExtra;
-    return record;
-}
+stuDrvDevmode g_in = RecordOfPaper(0);
+stuDrvDevmode g_out = RecordOfPaper(0);
 
-stuDrvDevmode g_in = EmptyRecord();
-stuDrvDevmode g_out = EmptyRecord();
-
-Loop Convert(const BenchModule& module, DWORD fMode)
+Loop ConvertLoop(const BenchModule& module, DWORD fMode)
 {
     return Repeat([pfnConvert = module.pfnConvert, fMode] {
         LONG cbNeeded = kRecordSize;
@@ -32,12 +24,12 @@ Loop Convert(const BenchModule& module, DWORD fMode)
     });
 }
 
-void BenchCopies(Table& table, const BenchModule& module)
+void BenchCopies(Results& results, const BenchModule& module)
 {
     const Loop copies = Repeat([] { FloorConvert(g_in, g_out); });
-    table.Measure("DrvConvertDevMode, CDM_CONVERT", copies, Convert(module, CDM_CONVERT), kCopyGoal);
-    table.Measure("DrvConvertDevMode, CDM_CONVERT351", copies, Convert(module, CDM_CONVERT351), kCopyGoal);
-    table.Measure(
+    results.Measure("DrvConvertDevMode, CDM_CONVERT", copies, ConvertLoop(module, CDM_CONVERT), kCopyGoal);
+    results.Measure("DrvConvertDevMode, CDM_CONVERT351", copies, ConvertLoop(module, CDM_CONVERT351), kCopyGoal);
+    results.Measure(
         "merge (SubConvertDevmodeOut)", Repeat([] { FloorMerge(g_in.stuDevmode, g_in.stuDevmode, g_out.stuDevmode); }),
         Repeat([] { SubConvertDevmodeOut(g_in.stuDevmode, &g_in.stuDevmode, &g_out.stuDevmode); }), kCopyGoal);
 }
@@ -60,41 +52,41 @@ void FloorFill(HMODULE hModule)
 
 /// What reads the user's record.
 /// @param strWith the record that the user has.
-void BenchFileReaders(Table& table, const BenchModule& module, DWORD dwClientPid, const std::string& strWith)
+void BenchFileReaders(Results& results, const BenchModule& module, DWORD dwClientPid, const std::string& strWith)
 {
-    const HMODULE hModule = module.handle;
-    table.Measure("DrvConvertDevMode, CDM_DRIVER_DEFAULT, " + strWith, Repeat([=] { FloorDefault(hModule); }),
-                  Convert(module, CDM_DRIVER_DEFAULT), kFileGoal);
+    const HMODULE hModule = module.Handle();
+    results.Measure("DrvConvertDevMode, CDM_DRIVER_DEFAULT, " + strWith, Repeat([=] { FloorDefault(hModule); }),
+                    ConvertLoop(module, CDM_DRIVER_DEFAULT), kFileGoal);
 
-    table.Measure("background DrvDocumentPropertySheets, fill, " + strWith, Repeat([=] {
-                      FloorClientCheck(dwClientPid);
-                      FloorFill(hModule);
-                  }),
-                  Repeat([pfnDocument = module.pfnDocument] {
-                      DOCUMENTPROPERTYHEADER header = {};
-                      header.cbSize = sizeof(header);
-                      header.fMode = DM_COPY;
-                      header.pdmIn = &g_in.stuDevmode;
-                      header.pdmOut = &g_out.stuDevmode;
-                      pfnDocument(nullptr, reinterpret_cast<LPARAM>(&header));
-                  }),
-                  kFileGoal);
+    results.Measure("background DrvDocumentPropertySheets, fill, " + strWith, Repeat([=] {
+                        FloorClientCheck(dwClientPid);
+                        FloorFill(hModule);
+                    }),
+                    Repeat([pfnDocument = module.pfnDocument] {
+                        DOCUMENTPROPERTYHEADER header = {};
+                        header.cbSize = sizeof(header);
+                        header.fMode = DM_COPY;
+                        header.pdmIn = &g_in.stuDevmode;
+                        header.pdmOut = &g_out.stuDevmode;
+                        pfnDocument(nullptr, reinterpret_cast<LPARAM>(&header));
+                    }),
+                    kFileGoal);
 }
 
 } // namespace
 
-void BenchRecords(Table& table, const BenchClient& client, const BenchModule& module, DWORD dwClientPid)
+void BenchRecords(Results& results, const BenchClient& client, const BenchModule& module, DWORD dwClientPid)
 {
-    BenchCopies(table, module);
-    table.Measure("background DrvDocumentPropertySheets, size query", Repeat([=] { FloorClientCheck(dwClientPid); }),
-                  Repeat([pfnDocument = module.pfnDocument] {
-                      DOCUMENTPROPERTYHEADER header = {};
-                      header.cbSize = sizeof(header);
-                      pfnDocument(nullptr, reinterpret_cast<LPARAM>(&header));
-                  }),
-                  kFileGoal);
+    BenchCopies(results, module);
+    results.Measure("background DrvDocumentPropertySheets, size query", Repeat([=] { FloorClientCheck(dwClientPid); }),
+                    Repeat([pfnDocument = module.pfnDocument] {
+                        DOCUMENTPROPERTYHEADER header = {};
+                        header.cbSize = sizeof(header);
+                        pfnDocument(nullptr, reinterpret_cast<LPARAM>(&header));
+                    }),
+                    kFileGoal);
     client.StoreRecord(true);
-    BenchFileReaders(table, module, dwClientPid, "DevMode.dat");
+    BenchFileReaders(results, module, dwClientPid, "DevMode.dat");
     client.StoreRecord(false);
-    BenchFileReaders(table, module, dwClientPid, "hard-coded");
+    BenchFileReaders(results, module, dwClientPid, "hard-coded");
 }

@@ -1,6 +1,5 @@
 #include "bench/Benches.h"
 #include "bench/floors/SheetFloor.h"
-#include "settings/DriverDevmode.h"
 
 #include <functional>
 #include <memory>
@@ -20,7 +19,7 @@ void Pump()
     }
 }
 
-/// A sheet with its pages on the platform's own, open until the object ends.
+/// A sheet with its pages on Windows' own, open until the object ends.
 class ShownSheet
 {
 public:
@@ -56,10 +55,10 @@ private:
 };
 
 /// The sheet library's part in a document sheet.
-class DocumentSheet
+class HostedDocument
 {
 public:
-    DocumentSheet(const BenchModule& module, PDEVMODEW pdmIn) : m_module(module)
+    HostedDocument(const BenchModule& module, PDEVMODEW pdmIn) : m_module(module)
     {
         m_header.cbSize = sizeof(m_header);
         m_header.fMode = DM_IN_BUFFER | DM_IN_PROMPT;
@@ -69,9 +68,9 @@ public:
         info.cbSize = sizeof(info);
         Call(PROPSHEETUI_REASON_GET_INFO_HEADER, reinterpret_cast<LPARAM>(&info));
     }
-    ~DocumentSheet() { Call(PROPSHEETUI_REASON_DESTROY, 1); }
-    DocumentSheet(const DocumentSheet&) = delete;
-    DocumentSheet& operator=(const DocumentSheet&) = delete;
+    ~HostedDocument() { Call(PROPSHEETUI_REASON_DESTROY, 1); }
+    HostedDocument(const HostedDocument&) = delete;
+    HostedDocument& operator=(const HostedDocument&) = delete;
 
     std::vector<HPROPSHEETPAGE> pages;
 
@@ -82,7 +81,7 @@ private:
         {
             return 0;
         }
-        static_cast<DocumentSheet*>(hComPropSheet)->pages.push_back(reinterpret_cast<HPROPSHEETPAGE>(lParam));
+        static_cast<HostedDocument*>(hComPropSheet)->pages.push_back(reinterpret_cast<HPROPSHEETPAGE>(lParam));
         return lParam;
     }
 
@@ -94,7 +93,7 @@ private:
         info.Flags = PSUIINFO_UNICODE;
         info.Reason = wReason;
         info.hComPropSheet = this;
-        info.pfnComPropSheet = &DocumentSheet::AddPage;
+        info.pfnComPropSheet = &HostedDocument::AddPage;
         info.lParamInit = reinterpret_cast<LPARAM>(&m_header);
         info.UserData = m_ulUserData;
         m_module.pfnDocument(&info, lParam);
@@ -106,7 +105,7 @@ private:
     ULONG_PTR m_ulUserData = 0;
 };
 
-stuDrvDevmode g_in = {};
+stuDrvDevmode g_in = RecordOfPaper(DMPAPER_A4);
 
 /// Nanoseconds from a sheet's first step to its visible page; 0 when no page shows.
 /// @param makePages hands out an object with the sheet's pages in it, which lives as long as the sheet.
@@ -128,7 +127,7 @@ struct BarePages
 
 constexpr int kRounds = 101;
 
-void Compare(Table& table, const std::string& strMeasure, const std::function<double()>& timeFloor,
+void Compare(Results& results, const std::string& strMeasure, const std::function<double()>& timeFloor,
              const std::function<double()>& timeOurs, Goal goal)
 {
     timeFloor();
@@ -149,29 +148,26 @@ void Compare(Table& table, const std::string& strMeasure, const std::function<do
     }
     if (!floors.empty())
     {
-        table.Add(RowOfPairs(strMeasure, floors, ours, goal));
+        results.Add(RowOfPairs(strMeasure, floors, ours, goal));
     }
 }
 
 } // namespace
 
-void BenchSheet(Table& table, const BenchClient& client, const BenchModule& module, DWORD dwClientPid)
+void BenchSheet(Results& results, const BenchClient& client, const BenchModule& module, DWORD dwClientPid)
 {
-    g_in.stuDevmode.dmSize = kDevmodeSize;
-    g_in.stuDevmode.dmDriverExtra = kDriverExtra;
-    g_in.stuDevmode.dmPaperSize = DMPAPER_A4;
     client.UseSample();
-    const auto makeBare = [&] { return std::make_unique<BarePages>(BarePages{FloorPages(module.handle)}); };
+    const auto makeBare = [&] { return std::make_unique<BarePages>(BarePages{FloorPages(module.Handle())}); };
     const auto makeBareWithStore = [&] {
         FloorSheetStore(dwClientPid);
         return makeBare();
     };
-    const auto makeOurs = [&] { return std::make_unique<DocumentSheet>(module, &g_in.stuDevmode); };
+    const auto makeOurs = [&] { return std::make_unique<HostedDocument>(module, &g_in.stuDevmode); };
     const auto timeOurs = [&] { return TimeSheet(makeOurs); };
     Compare(
-        table, "document sheet, INIT to visible page, sample", [&] { return TimeSheet(makeBare); }, timeOurs,
+        results, "document sheet, INIT to visible page, sample", [&] { return TimeSheet(makeBare); }, timeOurs,
         RatioGoal(1.2));
     Compare(
-        table, "the same to a bare sheet with the contract's store calls", [&] { return TimeSheet(makeBareWithStore); },
-        timeOurs, RatioGoal(kNoLimit));
+        results, "the same to a bare sheet with the contract's store calls",
+        [&] { return TimeSheet(makeBareWithStore); }, timeOurs, RatioGoal(kNoLimit));
 }

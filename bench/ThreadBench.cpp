@@ -66,7 +66,7 @@ double TimeThreads(const Loop& loop, int iCalls, int iThreads)
 }
 
 /// How many times as long the same calls take on so many threads as on one, ours to floor.
-void Scale(Table& table, const std::string& strQuery, int iThreads, const Loop& floor, const Loop& ours)
+void Scale(Results& results, const std::string& strQuery, int iThreads, const Loop& floor, const Loop& ours)
 {
     const int iCalls = (static_cast<int>(kRunNs / (TimeThreads(floor, 100, 1) / 100)) | 7) + 1; // a multiple of 8
     std::vector<double> floors;
@@ -85,11 +85,11 @@ void Scale(Table& table, const std::string& strQuery, int iThreads, const Loop& 
         floors.push_back(times[2] / times[0]);
         oursScales.push_back(times[3] / times[1]);
     }
-    table.Add(RowOfPairs(strQuery + ", time on " + std::to_string(iThreads) + " threads to time on one", floors,
-                         oursScales, kGoal));
+    results.Add(RowOfPairs(strQuery + ", time on " + std::to_string(iThreads) + " threads to time on one", floors,
+                           oursScales, kGoal));
 }
 
-/// All processors for this process for the length of a scope; the platform's server stays where it is.
+/// All processors for this process for the length of a scope; Wine's server stays where it is.
 class AllProcessors
 {
 public:
@@ -109,7 +109,7 @@ private:
 
 } // namespace
 
-void BenchThreads(Table& table, const BenchClient& client, const BenchModule& module, DWORD dwClientPid)
+void BenchThreads(Results& results, const BenchClient& client, const BenchModule& module, DWORD dwClientPid)
 {
     client.UseSample();
     const AllProcessors processors;
@@ -123,7 +123,7 @@ void BenchThreads(Table& table, const BenchClient& client, const BenchModule& mo
     });
     for (const int iThreads : {2, 8})
     {
-        Scale(table, "constant code (DC_SIZE)", iThreads, floorConstant, query(DC_SIZE));
-        Scale(table, "snapshot code (DC_COPIES)", iThreads, floorNumber, query(DC_COPIES));
+        Scale(results, "constant code (DC_SIZE)", iThreads, floorConstant, query(DC_SIZE));
+        Scale(results, "snapshot code (DC_COPIES)", iThreads, floorNumber, query(DC_COPIES));
     }
 }

@@ -38,61 +38,49 @@ void TellProcessors()
 }
 
 /// What needs the loaded module and the resident client.
-/// @return whether the module could be loaded.
-bool BenchModuleCalls(Table& table, const BenchClient& client, const Choice& choice)
+void BenchModuleCalls(Results& results, const BenchClient& client, const Choice& choice)
 {
     const BenchModule module;
-    if (module.handle == nullptr)
-    {
-        return false;
-    }
     const ResidentStandIn resident(client);
     // The first check finds the client by a walk, and knows it from then on.
     module.pfnCaps(nullptr, nullptr, DC_SIZE, nullptr, nullptr);
     if (choice.Has("caps"))
     {
-        BenchCaps(table, client, module, resident.Pid());
+        BenchCaps(results, client, module, resident.Pid());
     }
     if (choice.Has("records"))
     {
-        BenchRecords(table, client, module, resident.Pid());
+        BenchRecords(results, client, module, resident.Pid());
     }
     if (choice.Has("sheet"))
     {
-        BenchSheet(table, client, module, resident.Pid());
+        BenchSheet(results, client, module, resident.Pid());
     }
     if (choice.Has("threads"))
     {
-        BenchThreads(table, client, module, resident.Pid());
+        BenchThreads(results, client, module, resident.Pid());
     }
-    return true;
 }
 
 /// All subjects that are wanted.
-/// @return the program's code: 0 whether the goals are met or not.
-int BenchAll(const Choice& choice)
+void BenchAll(const Choice& choice)
 {
-    Table table;
+    Results results;
     const BenchClient client;
     if (choice.Has("load"))
     {
-        BenchLoad(table);
+        BenchLoad(results);
     }
-    if (!BenchModuleCalls(table, client, choice))
-    {
-        std::printf("velbench: VelUI.dll beside the program can't be loaded\n");
-        return 1;
-    }
+    BenchModuleCalls(results, client, choice);
     if (choice.Has("off"))
     {
-        BenchLogOff(table);
+        BenchLogOff(results);
     }
     if (choice.Has("on"))
     {
-        BenchLogOn(table, client);
+        BenchLogOn(results, client);
     }
-    table.Report("velbench.json");
-    return 0;
+    results.Report("velbench.json");
 }
 
 } // namespace
@@ -102,7 +90,8 @@ int main(int argc, char** argv)
     TellProcessors();
     try
     {
-        return BenchAll(Choice(argc, argv));
+        BenchAll(Choice(argc, argv));
+        return 0; // whether the goals are met or not
     }
     catch (const std::exception& exception)
     {

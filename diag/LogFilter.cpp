@@ -1,6 +1,6 @@
 #include "diag/LogFilter.h"
 
-#include "diag/Log.h"
+#include "diag/LogRules.h"
 
 #include <log4cpp/LoggingEvent.hh>
 

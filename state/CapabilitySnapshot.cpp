@@ -17,9 +17,6 @@ namespace VelUtility
 namespace
 {
 
-constexpr wchar_t kCapsSection[] = L"DeviceCapabilities";
-constexpr wchar_t kPrinterSection[] = L"Printer";
-
 /// Buffer for a text of section Printer, in wide characters: 255 and a terminator.
 constexpr size_t kTextUnits = 256;
 

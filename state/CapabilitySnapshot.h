@@ -12,6 +12,10 @@
 namespace VelUtility
 {
 
+/// The snapshot's sections in Config.ini: the printer's capabilities, and what it is called.
+inline constexpr wchar_t kCapsSection[] = L"DeviceCapabilities";
+inline constexpr wchar_t kPrinterSection[] = L"Printer";
+
 /// Where the printer stands and what it is called; section Printer of Config.ini.
 struct PrinterInfo
 {

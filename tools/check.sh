@@ -14,21 +14,9 @@ echo "== drift"
 grep -nE '#include <[^>]*[A-Z][^>]*>' "${sources[@]}" | grep -vE '<CLI/|<log4cpp/' && fail "mixed-case include"
 # ctest would split a case at a semicolon in its name.
 grep -nE '^TEST_CASE[^"]*"[^"]*;[^"]*"' "${sources[@]}" && fail "a semicolon in a test's name"
-for file in "${sources[@]}"; do
-    lines=$(wc -l <"$file")
-    [ "$lines" -le 600 ] || fail "$file has $lines lines: split it"
-done
-# Dependencies point down: driver, ui, settings, state, support; everything may use diag; diag and support use neither.
-upward() {
-    local from=$1 to=$2
-    grep -nE "#include \"($to)/" $(git ls-files --cached --others --exclude-standard "$from/*.cpp" "$from/*.h") /dev/null &&
-        fail "$from/ must not include $to/"
-}
-upward ui 'driver'
-upward settings 'driver|ui'
-upward state 'driver|ui|settings'
-upward diag 'driver|ui|settings|state|support|tools|tests'
-upward support 'driver|ui|settings|state|tools|tests'
+
+echo "== layout: who includes whom, what belongs together, lengths, the map of the log's words"
+tools/check-layout.py || fail "the layout differs"
 
 echo "== cppcheck"
 own=$(git ls-files --cached --others --exclude-standard 'driver/*.cpp' 'ui/*.cpp' 'settings/*.cpp' 'state/*.cpp' 'diag/*.cpp' 'support/*.cpp' 'tools/*.cpp')

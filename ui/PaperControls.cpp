@@ -23,10 +23,10 @@ constexpr int kMostTyped = 5; ///< characters that a size box takes
 
 /// Buffer, in wide characters, in which a size box is read while it is edited.
 /// Required: it cuts a number of five digits, which the box takes, to four. No paper is ten metres long.
-constexpr int kEditRoom = 5;
+constexpr int kEditUnits = 5;
 
 /// Buffer, in wide characters, in which a size box is read for the record: here nothing is cut.
-constexpr int kApplyRoom = 64;
+constexpr int kApplyUnits = 64;
 
 constexpr DWORD kCustomFields =
     DM_ORIENTATION | DM_PAPERSIZE | DM_PAPERLENGTH | DM_PAPERWIDTH | DM_COPIES | DM_COLOR | DM_DUPLEX;
@@ -67,18 +67,18 @@ void FillPapers(HWND hDlg, const stuPassData* pstuPassData)
 
 void ExchangeSizes(HWND hDlg)
 {
-    wchar_t szWidth[kEditRoom] = {};
-    wchar_t szHeight[kEditRoom] = {};
-    GetDlgItemTextW(hDlg, iWidthEditId, szWidth, kEditRoom);
-    GetDlgItemTextW(hDlg, iHeightEditId, szHeight, kEditRoom);
+    wchar_t szWidth[kEditUnits] = {};
+    wchar_t szHeight[kEditUnits] = {};
+    GetDlgItemTextW(hDlg, iWidthEditId, szWidth, kEditUnits);
+    GetDlgItemTextW(hDlg, iHeightEditId, szHeight, kEditUnits);
     SetDlgItemTextW(hDlg, iWidthEditId, szHeight);
     SetDlgItemTextW(hDlg, iHeightEditId, szWidth);
 }
 
 bool ReadSize(HWND hDlg, int iBox, int& iMillimetres)
 {
-    wchar_t szNumber[kEditRoom];
-    return SubGetEditToINT(GetDlgItem(hDlg, iBox), szNumber, kEditRoom, iMillimetres) != 0;
+    wchar_t szNumber[kEditUnits];
+    return SubGetEditToINT(GetDlgItem(hDlg, iBox), szNumber, kEditUnits, iMillimetres) != 0;
 }
 
 /// Brings a typed size between the printer's limits, for the search alone.
@@ -132,13 +132,13 @@ short InTenths(int iMillimetres)
 void ReadCustomSize(HWND hDlg, DEVMODEW& stuDevmode)
 {
     stuDevmode.dmFields = kCustomFields;
-    wchar_t szNumber[kApplyRoom];
+    wchar_t szNumber[kApplyUnits];
     // Required: one variable for both boxes. A height that can't be read is the width's value, so that the record holds
     // a square and never what stood on the stack.
     int iMillimetres = 0;
-    SubGetEditToINT(GetDlgItem(hDlg, iWidthEditId), szNumber, kApplyRoom, iMillimetres);
+    SubGetEditToINT(GetDlgItem(hDlg, iWidthEditId), szNumber, kApplyUnits, iMillimetres);
     stuDevmode.dmPaperWidth = InTenths(iMillimetres);
-    SubGetEditToINT(GetDlgItem(hDlg, iHeightEditId), szNumber, kApplyRoom, iMillimetres);
+    SubGetEditToINT(GetDlgItem(hDlg, iHeightEditId), szNumber, kApplyUnits, iMillimetres);
     stuDevmode.dmPaperLength = InTenths(iMillimetres);
 }
 
@@ -238,9 +238,9 @@ int Sub_On_Spin(HWND /*hDlg*/, const NMUPDOWN* pUpDown)
 {
     const FunctionScope scope("Sub_On_Spin");
     const HWND hBuddy = reinterpret_cast<HWND>(SendMessageW(pUpDown->hdr.hwndFrom, UDM_GETBUDDY, 0, 0));
-    wchar_t szNumber[kEditRoom];
+    wchar_t szNumber[kEditUnits];
     int iValue = 0;
-    if (SubGetEditToINT(hBuddy, szNumber, kEditRoom, iValue) == 0)
+    if (SubGetEditToINT(hBuddy, szNumber, kEditUnits, iValue) == 0)
     {
         return 0;
     }

@@ -1,5 +1,5 @@
 #pragma once
-/// The floor of the client's store: its paths, its locks and the check of the resident client by exactly the platform
+/// The floor of the client's store: its paths, its locks and the check of the resident client by exactly the Windows
 /// calls that the contract demands, and nothing else. No result is tested and nothing is logged.
 
 #include <windows.h>

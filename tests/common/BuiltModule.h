@@ -3,16 +3,16 @@
 
 #include "support/module/PrinterInterface.h"
 #include "tests/common/Invariants.h"
+#include "tools/velhost/host/Files.h"
+#include "tools/velhost/host/HostModule.h"
 
 #include <string>
+#include <type_traits>
 
 /// Full path of a file beside the test program.
 inline std::wstring BesideTests(const std::wstring& strName)
 {
-    wchar_t szPath[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, szPath, MAX_PATH);
-    std::wstring strPath = szPath;
-    return strPath.substr(0, strPath.rfind(L'\\') + 1) + strName;
+    return VelHost::BesideProgram(strName);
 }
 
 /// Full path of the built VelUI.dll.
@@ -21,12 +21,12 @@ inline std::wstring ModulePath()
     return BesideTests(L"VelUI.dll");
 }
 
-/// Loads the DLL and gives it back. Each call of an entry point is checked to leave the caller's state alone. The entry
-/// points are null when the DLL did not load.
+/// Loads the DLL and gives it back. Each call of an entry point is checked to leave the caller's state alone. A test
+/// fails where the DLL does not load or lacks an entry point.
 class BuiltModule
 {
 public:
-    BuiltModule() : handle(LoadLibraryW(ModulePath().c_str()))
+    BuiltModule()
     {
         Find(DeviceCapabilities, "DrvDeviceCapabilities");
         Find(SplDeviceCaps, "DrvSplDeviceCaps");
@@ -35,30 +35,22 @@ public:
         Find(DocumentSheets, "DrvDocumentPropertySheets");
         Find(DeviceSheets, "DrvDevicePropertySheets");
     }
-    ~BuiltModule()
-    {
-        if (handle != nullptr)
-        {
-            FreeLibrary(handle);
-        }
-    }
-    BuiltModule(const BuiltModule&) = delete;
-    BuiltModule& operator=(const BuiltModule&) = delete;
 
-    HMODULE handle;
+private:
+    template <typename Entry>
+    void Find(Entry& entry, const char* pszName)
+    {
+        entry = m_module.Get<std::remove_pointer_t<typename Entry::Function>>(pszName);
+    }
+
+    VelHost::HostModule m_module{ModulePath()};
+
+public:
+    const HMODULE handle = m_module.Handle();
     CheckedEntry<decltype(&DrvDeviceCapabilities)> DeviceCapabilities;
     CheckedEntry<decltype(&DrvSplDeviceCaps)> SplDeviceCaps;
     CheckedEntry<decltype(&DrvConvertDevMode)> ConvertDevMode;
     CheckedEntry<decltype(&DevQueryPrintEx)> QueryPrintEx;
     CheckedEntry<decltype(&DrvDocumentPropertySheets)> DocumentSheets;
     CheckedEntry<decltype(&DrvDevicePropertySheets)> DeviceSheets;
-
-private:
-    template <typename Function>
-    void Find(Function& pfn, const char* pszName)
-    {
-        using Bare = typename Function::Function;
-        pfn = handle != nullptr ? reinterpret_cast<Bare>(reinterpret_cast<void*>(GetProcAddress(handle, pszName)))
-                                : nullptr;
-    }
 };

@@ -1,6 +1,25 @@
 #include "tests/common/ClientFixture.h"
 
-ClientFixture::ClientFixture()
+namespace
+{
+
+constexpr wchar_t kUserVariable[] = L"WINEUSERNAME";
+
+} // namespace
+
+UserName::UserName(const wchar_t* pszName)
+{
+    wchar_t szOld[257] = {};
+    m_strOld.assign(szOld, GetEnvironmentVariableW(kUserVariable, szOld, 257));
+    SetEnvironmentVariableW(kUserVariable, pszName);
+}
+
+UserName::~UserName()
+{
+    SetEnvironmentVariableW(kUserVariable, m_strOld.c_str());
+}
+
+ScratchClient::ScratchClient()
 {
     for (const wchar_t* pszValue : {L"InstallDir", L"DataDir", L"TempDir", L"LogDir"})
     {
@@ -8,7 +27,7 @@ ClientFixture::ClientFixture()
     }
 }
 
-void ClientFixture::WriteCaps(const std::vector<std::pair<std::wstring, std::wstring>>& keys) const
+void ScratchClient::WriteCaps(const std::vector<std::pair<std::wstring, std::wstring>>& keys) const
 {
     std::wstring strText = L"\xFEFF[DeviceCapabilities]\r\n";
     for (const auto& [strKey, strValue] : keys)

@@ -78,7 +78,7 @@ private:
     }
 };
 
-/// @param bHandles whether handles count: not around a first call, with which the platform opens what it keeps.
+/// @param bHandles whether handles count: not around a first call, with which Windows opens what it keeps.
 inline void CheckUnchanged(const CallerState& before, const CallerState& after, bool bHandles)
 {
     CHECK(after.strFolder == before.strFolder);

@@ -1,18 +1,41 @@
 #include "tests/common/PrivateRegistry.h"
 
-#include <catch2/catch.hpp>
+#include "tools/velhost/report/CommandError.h"
+#include "tools/velhost/report/Encoding.h"
+
+namespace
+{
+
+/// Throws when a registry call failed.
+/// @param pszWork what it was to do with the key.
+void Need(LSTATUS lStatus, const char* pszWork, const std::wstring& strKey)
+{
+    if (lStatus != ERROR_SUCCESS)
+    {
+        VelHost::ThrowCommandError(std::string("can't ") + pszWork + " the registry key " + VelHost::ToUtf8(strKey),
+                                   static_cast<DWORD>(lStatus));
+    }
+}
+
+HKEY MadeKey(HKEY hParent, const std::wstring& strKey)
+{
+    HKEY hKey = nullptr;
+    Need(RegCreateKeyExW(hParent, strKey.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &hKey, nullptr), "make",
+         strKey);
+    return hKey;
+}
+
+} // namespace
 
 PrivateRegistry::PrivateRegistry()
 {
     static LONG s_lNext = 0;
     m_strRoot = L"Software\\VelUITests\\" + std::to_wstring(GetCurrentProcessId()) + L"-" +
                 std::to_wstring(InterlockedIncrement(&s_lNext));
-    // A run that was ended leaves its view behind, and the platform gives process ids out again.
+    // A run that was ended leaves its view behind, and Windows gives process ids out again.
     RegDeleteTreeW(HKEY_CURRENT_USER, m_strRoot.c_str());
-    REQUIRE(RegCreateKeyExW(HKEY_CURRENT_USER, m_strRoot.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &m_hRoot,
-                            nullptr) == ERROR_SUCCESS);
+    m_hRoot = MadeKey(HKEY_CURRENT_USER, m_strRoot);
     CopyFromMachine(L"System\\CurrentControlSet\\Control\\ComputerName");
-    REQUIRE(RegOverridePredefKey(HKEY_LOCAL_MACHINE, m_hRoot) == ERROR_SUCCESS);
 }
 
 PrivateRegistry::~PrivateRegistry()
@@ -27,22 +50,18 @@ void PrivateRegistry::CopyFromMachine(const std::wstring& strKey)
     // Outside the view for a moment when it stands already.
     RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
     HKEY hSource = nullptr;
-    REQUIRE(RegOpenKeyExW(HKEY_LOCAL_MACHINE, strKey.c_str(), 0, KEY_READ, &hSource) == ERROR_SUCCESS);
-    HKEY hTarget = nullptr;
-    REQUIRE(RegCreateKeyExW(m_hRoot, strKey.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &hTarget, nullptr) ==
-            ERROR_SUCCESS);
-    CHECK(RegCopyTreeW(hSource, nullptr, hTarget) == ERROR_SUCCESS);
+    Need(RegOpenKeyExW(HKEY_LOCAL_MACHINE, strKey.c_str(), 0, KEY_READ, &hSource), "open", strKey);
+    const HKEY hTarget = MadeKey(m_hRoot, strKey);
+    const LSTATUS lStatus = RegCopyTreeW(hSource, nullptr, hTarget);
     RegCloseKey(hTarget);
     RegCloseKey(hSource);
-    REQUIRE(RegOverridePredefKey(HKEY_LOCAL_MACHINE, m_hRoot) == ERROR_SUCCESS);
+    Need(lStatus, "copy", strKey);
+    Need(RegOverridePredefKey(HKEY_LOCAL_MACHINE, m_hRoot), "put in the place of HKEY_LOCAL_MACHINE", m_strRoot);
 }
 
 void PrivateRegistry::MakeKey(const std::wstring& strKey)
 {
-    HKEY hKey = nullptr;
-    REQUIRE(RegCreateKeyExW(m_hRoot, strKey.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &hKey, nullptr) ==
-            ERROR_SUCCESS);
-    RegCloseKey(hKey);
+    RegCloseKey(MadeKey(m_hRoot, strKey));
 }
 
 void PrivateRegistry::SetText(const std::wstring& strKey, const std::wstring& strValue, const std::wstring& strText)
@@ -53,11 +72,10 @@ void PrivateRegistry::SetText(const std::wstring& strKey, const std::wstring& st
 void PrivateRegistry::SetBytes(const std::wstring& strKey, const std::wstring& strValue, DWORD dwType,
                                const void* pData, DWORD cbData)
 {
-    MakeKey(strKey);
-    HKEY hKey = nullptr;
-    REQUIRE(RegOpenKeyExW(m_hRoot, strKey.c_str(), 0, KEY_ALL_ACCESS, &hKey) == ERROR_SUCCESS);
-    CHECK(RegSetValueExW(hKey, strValue.c_str(), 0, dwType, static_cast<const BYTE*>(pData), cbData) == ERROR_SUCCESS);
+    const HKEY hKey = MadeKey(m_hRoot, strKey);
+    const LSTATUS lStatus = RegSetValueExW(hKey, strValue.c_str(), 0, dwType, static_cast<const BYTE*>(pData), cbData);
     RegCloseKey(hKey);
+    Need(lStatus, "write to", strKey);
 }
 
 void PrivateRegistry::SetClient(const std::wstring& strValue, const std::wstring& strText)

@@ -1,12 +1,13 @@
 #pragma once
-/// A registry view of one test.
+/// A registry view of a scratch client.
 
 #include <windows.h>
 
 #include <string>
 
 /// Puts an empty key in the place of this process's HKEY_LOCAL_MACHINE, and takes it away again with all that it holds.
-/// Only the computer's name is copied into it, since the platform itself looks for that there.
+/// Only the computer's name is copied into it, since Windows itself looks for that there. What
+/// can't be done throws VelHost::CommandError.
 class PrivateRegistry
 {
 public:

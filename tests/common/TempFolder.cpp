@@ -1,11 +1,17 @@
 #include "tests/common/TempFolder.h"
 
-#include <catch2/catch.hpp>
+#include "tools/velhost/report/CommandError.h"
+#include "tools/velhost/report/Encoding.h"
 
 #include <cstdio>
 
 namespace
 {
+
+[[noreturn]] void FailPath(const char* pszWork, const std::wstring& strPath)
+{
+    VelHost::ThrowCommandError(std::string("can't ") + pszWork + " " + VelHost::ToUtf8(strPath));
+}
 
 void RemoveTree(const std::wstring& strFolder)
 {
@@ -42,21 +48,33 @@ TempFolder::TempFolder(size_t uiPathUnits)
 {
     static LONG s_lNext = 0;
     wchar_t szTemp[MAX_PATH];
-    REQUIRE(GetTempPathW(MAX_PATH, szTemp) != 0);
-    // A run that crashed leaves its folders behind, and the platform gives process ids out again: such a name is passed
+    if (GetTempPathW(MAX_PATH, szTemp) == 0)
+    {
+        FailPath("find", L"the temporary folder");
+    }
+    // A run that crashed leaves its folders behind, and Windows gives process ids out again: such a name is passed
     // by.
     do
     {
         m_strRoot = szTemp + std::wstring(L"vt") + std::to_wstring(GetCurrentProcessId()) + L"x" +
                     std::to_wstring(InterlockedIncrement(&s_lNext));
     } while (!CreateDirectoryW(m_strRoot.c_str(), nullptr) && GetLastError() == ERROR_ALREADY_EXISTS);
-    REQUIRE(PathExists(m_strRoot));
+    if (!PathExists(m_strRoot))
+    {
+        FailPath("make the folder", m_strRoot);
+    }
     m_strPath = m_strRoot;
     if (uiPathUnits != 0)
     {
-        REQUIRE(uiPathUnits > m_strRoot.size() + 1);
+        if (uiPathUnits <= m_strRoot.size() + 1)
+        {
+            throw VelHost::CommandError("a path of " + std::to_string(uiPathUnits) + " characters is too short");
+        }
         m_strPath += L"\\" + std::wstring(uiPathUnits - m_strRoot.size() - 1, L'd');
-        REQUIRE(CreateDirectoryW(m_strPath.c_str(), nullptr));
+        if (!CreateDirectoryW(m_strPath.c_str(), nullptr))
+        {
+            FailPath("make the folder", m_strPath);
+        }
     }
 }
 
@@ -84,10 +102,16 @@ std::string ReadFileBytes(const std::wstring& strPath)
 void WriteFileBytes(const std::wstring& strPath, const std::string& strBytes)
 {
     FILE* const pFile = _wfopen(strPath.c_str(), L"wb");
-    REQUIRE(pFile != nullptr);
+    if (pFile == nullptr)
+    {
+        FailPath("write", strPath);
+    }
     const size_t cbWritten = std::fwrite(strBytes.data(), 1, strBytes.size(), pFile);
     std::fclose(pFile);
-    REQUIRE(cbWritten == strBytes.size());
+    if (cbWritten != strBytes.size())
+    {
+        FailPath("write", strPath);
+    }
 }
 
 bool PathExists(const std::wstring& strPath)

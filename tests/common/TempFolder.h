@@ -1,11 +1,12 @@
 #pragma once
-/// A scratch folder of one test.
+/// A scratch folder, and files as a test or the bench reads and writes them. What can't be done throws
+/// VelHost::CommandError.
 
 #include <windows.h>
 
 #include <string>
 
-/// Makes a new empty folder below the platform's temporary folder and removes it with all that it holds.
+/// Makes a new empty folder below Windows' temporary folder and removes it with all that it holds.
 class TempFolder
 {
 public:
@@ -27,7 +28,7 @@ private:
 
 /// The bytes of a file, or an empty string when it can't be read.
 std::string ReadFileBytes(const std::wstring& strPath);
-/// Writes a file anew; the test ends with a failure when it can't.
+/// Writes a file anew.
 void WriteFileBytes(const std::wstring& strPath, const std::string& strBytes);
 /// Whether there is a file or folder of that name.
 bool PathExists(const std::wstring& strPath);

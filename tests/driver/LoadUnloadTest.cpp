@@ -4,7 +4,6 @@
 #include "tests/common/HeapUse.h"
 #include "tests/common/PrivateRegistry.h"
 #include "tests/common/TempFolder.h"
-#include "tests/common/UserName.h"
 
 #include <catch2/catch.hpp>
 

@@ -5,14 +5,13 @@
 #include "driver/ResidentClient.h"
 #include "support/Exception.h"
 #include "support/ProcessUtilities.h"
-#include "tests/common/Handles.h"
-#include "tests/common/ChildProcess.h"
 #include "tests/common/BuiltModule.h"
+#include "tests/common/ChildProcess.h"
 #include "tests/common/ClientFixture.h"
+#include "tests/common/Handles.h"
 #include "tests/common/ImportHook.h"
 #include "tests/common/LogLines.h"
 #include "tests/common/StandIns.h"
-#include "tests/common/UserName.h"
 
 #include <catch2/catch.hpp>
 

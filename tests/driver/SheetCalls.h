@@ -1,8 +1,8 @@
 #pragma once
 /// Calls of the sheet entry points as the sheet library makes them, without a sheet behind them.
 
-#include "ui/SheetData.h"
 #include "tests/ui/SheetDataFixture.h"
+#include "ui/SheetData.h"
 
 #include <prsht.h>
 

@@ -4,12 +4,12 @@
 
 #include "settings/DefaultRecord.h"
 #include "settings/PaperCatalogue.h"
-#include "state/ConfigFile.h"
-#include "state/UserIniFiles.h"
 #include "state/CapabilitySnapshot.h"
+#include "state/ConfigFile.h"
 #include "state/CurrentUser.h"
 #include "state/DataFiles.h"
 #include "state/MessageFiles.h"
+#include "state/UserIniFiles.h"
 #include "tests/driver/SheetCalls.h"
 #include "tests/faults/FaultFixture.h"
 

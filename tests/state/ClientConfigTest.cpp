@@ -1,6 +1,6 @@
+#include "state/CapabilitySnapshot.h"
 #include "state/ConfigFile.h"
 #include "state/UserIniFiles.h"
-#include "state/CapabilitySnapshot.h"
 #include "tests/common/ClientFixture.h"
 
 #include <catch2/catch.hpp>

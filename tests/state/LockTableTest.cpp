@@ -1,10 +1,10 @@
 // Which calls wait for a file's lock, and which do not.
 
-#include "state/ConfigFile.h"
-#include "state/UserIniFiles.h"
 #include "state/CapabilitySnapshot.h"
+#include "state/ConfigFile.h"
 #include "state/DataFiles.h"
 #include "state/MessageFiles.h"
+#include "state/UserIniFiles.h"
 #include "tests/common/ClientFixture.h"
 #include "tests/common/LockHolder.h"
 

@@ -1,11 +1,11 @@
 // The line that each call of the store leaves when its path can't be made, or its file can't be reached.
 
 #include "diag/Log.h"
-#include "state/ConfigFile.h"
-#include "state/UserIniFiles.h"
 #include "state/CapabilitySnapshot.h"
+#include "state/ConfigFile.h"
 #include "state/DataFiles.h"
 #include "state/MessageFiles.h"
+#include "state/UserIniFiles.h"
 #include "tests/common/ClientFixture.h"
 #include "tests/common/LogLines.h"
 

@@ -2,9 +2,9 @@
 
 #include "state/CapabilitySnapshot.h"
 #include "state/CurrentUser.h"
-#include "state/Profile.h"
 #include "state/DataFiles.h"
 #include "state/MessageFiles.h"
+#include "state/Profile.h"
 #include "tests/common/ClientFixture.h"
 #include "tests/common/ImportHook.h"
 

@@ -1,14 +1,14 @@
-#include "support/ProcessUtilities.h"
 #include "support/CommandLine.h"
 #include "support/Exception.h"
+#include "support/ProcessUtilities.h"
 #include "support/ScopeGuard.h"
-#include "tests/common/Handles.h"
 #include "tests/common/BuiltModule.h"
 #include "tests/common/ChildProcess.h"
+#include "tests/common/ClientFixture.h"
+#include "tests/common/Handles.h"
 #include "tests/common/ImportHook.h"
 #include "tests/common/PrivateRegistry.h"
 #include "tests/common/StandIns.h"
-#include "tests/common/UserName.h"
 
 #include <boost/bind/bind.hpp>
 #include <catch2/catch.hpp>

@@ -9,7 +9,7 @@
 #include "tests/ui/OpenSheet.h"
 #include "tests/ui/PageWindow.h"
 #include "tests/ui/SheetDataFixture.h"
-#include "tools/velhost/SheetLibrary.h"
+#include "tools/velhost/sheet/SheetLibrary.h"
 
 #include <catch2/catch.hpp>
 

@@ -1,6 +1,6 @@
 #include "tests/ui/OpenSheet.h"
 
-#include "tools/velhost/SheetClerk.h"
+#include "tools/velhost/sheet/SheetClerk.h"
 
 #include <commctrl.h>
 

@@ -2,10 +2,10 @@
 /// A sheet's private data as the pages get it, and the papers behind it, without a sheet around them.
 
 #include "settings/PaperCatalogue.h"
-#include "ui/SheetData.h"
 #include "tests/common/BuiltModule.h"
 #include "tests/common/ClientFixture.h"
 #include "tests/common/TextsFrom.h"
+#include "ui/SheetData.h"
 
 #include <string>
 #include <utility>

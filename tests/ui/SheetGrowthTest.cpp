@@ -4,7 +4,7 @@
 #include "tests/common/HeapUse.h"
 #include "tests/ui/OpenSheet.h"
 #include "tests/ui/SheetDataFixture.h"
-#include "tools/velhost/SheetLibrary.h"
+#include "tools/velhost/sheet/SheetLibrary.h"
 
 #include <catch2/catch.hpp>
 

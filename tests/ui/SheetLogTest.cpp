@@ -5,8 +5,8 @@
 #include "tests/ui/OpenSheet.h"
 #include "tests/ui/PageWindow.h"
 #include "tests/ui/SheetDataFixture.h"
-#include "tools/velhost/LogSetup.h"
-#include "tools/velhost/SheetLibrary.h"
+#include "tools/velhost/install/LogSetup.h"
+#include "tools/velhost/sheet/SheetLibrary.h"
 
 #include <catch2/catch.hpp>
 

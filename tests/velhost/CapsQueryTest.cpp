@@ -1,4 +1,4 @@
-#include "tools/velhost/CapsQuery.h"
+#include "tools/velhost/host/CapsQuery.h"
 
 #include <catch2/catch.hpp>
 

@@ -1,5 +1,5 @@
 #include "settings/DriverDevmode.h"
-#include "tools/velhost/DevmodeReport.h"
+#include "tools/velhost/report/DevmodeReport.h"
 
 #include <catch2/catch.hpp>
 

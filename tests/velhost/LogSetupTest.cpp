@@ -3,8 +3,8 @@
 #include "tests/common/BuiltModule.h"
 #include "tests/common/ChildProcess.h"
 #include "tests/common/TempFolder.h"
-#include "tools/velhost/CommandError.h"
-#include "tools/velhost/LogSetup.h"
+#include "tools/velhost/install/LogSetup.h"
+#include "tools/velhost/report/CommandError.h"
 
 #include <catch2/catch.hpp>
 

@@ -2,8 +2,8 @@
 
 #include "tests/common/BuiltModule.h"
 #include "tests/common/ChildProcess.h"
+#include "tests/common/ClientFixture.h"
 #include "tests/common/TempFolder.h"
-#include "tests/common/UserName.h"
 
 #include <catch2/catch.hpp>
 

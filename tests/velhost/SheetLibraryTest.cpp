@@ -1,8 +1,7 @@
 // The host's sheet library, driven by sheet functions of the test's own.
 
 #include "tests/ui/OpenSheet.h"
-#include "tools/velhost/SheetFont.h"
-#include "tools/velhost/SheetLibrary.h"
+#include "tools/velhost/sheet/SheetLibrary.h"
 
 #include <catch2/catch.hpp>
 

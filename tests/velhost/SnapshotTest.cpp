@@ -1,7 +1,7 @@
 #include "tests/common/ClientFixture.h"
 
 #include "state/CapabilitySnapshot.h"
-#include "tools/velhost/Snapshot.h"
+#include "tools/velhost/host/Snapshot.h"
 
 #include <catch2/catch.hpp>
 

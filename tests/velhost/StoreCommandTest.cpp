@@ -1,6 +1,6 @@
 #include "state/ConfigFile.h"
 #include "tests/common/ClientFixture.h"
-#include "tools/velhost/StoreKeys.h"
+#include "tools/velhost/host/StoreKeys.h"
 
 #include <catch2/catch.hpp>
 

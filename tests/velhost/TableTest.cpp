@@ -1,4 +1,4 @@
-#include "tools/velhost/Table.h"
+#include "tools/velhost/report/Table.h"
 
 #include <catch2/catch.hpp>
 

@@ -1,13 +1,14 @@
 /// velhost: plays the spooler and the application around a printer interface module.
 
 #include <windows.h>
+#include <shellapi.h>
 
-#include "tools/velhost/CommandError.h"
-#include "tools/velhost/Commands.h"
-#include "tools/velhost/Output.h"
-#include "tools/velhost/Utf8.h"
+#include "tools/velhost/commands/Commands.h"
+#include "tools/velhost/report/Encoding.h"
+#include "tools/velhost/report/Output.h"
 
 #include <exception>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,14 +16,19 @@
 namespace
 {
 
-using AddCommand = void (*)(CLI::App& program, int& iExitCode);
-
-const AddCommand kCommands[] = {
-    &VelHost::AddInstallCommand, &VelHost::AddUninstallCommand, &VelHost::AddCapsCommand,  &VelHost::AddSplCapsCommand,
-    &VelHost::AddConvertCommand, &VelHost::AddSnapshotCommand,  &VelHost::AddEventCommand, &VelHost::AddClientCommand,
-    &VelHost::AddMachineCommand, &VelHost::AddSettingsCommand,  &VelHost::AddSetCommand,   &VelHost::AddDevmodeCommand,
-    &VelHost::AddSheetCommand,   &VelHost::AddLogCommand,
-};
+/// @return the process's arguments in UTF-8, the program's name first.
+std::vector<std::string> CommandLineUtf8()
+{
+    int iCount = 0;
+    const std::unique_ptr<LPWSTR, decltype(&LocalFree)> pArguments(CommandLineToArgvW(GetCommandLineW(), &iCount),
+                                                                   &LocalFree);
+    std::vector<std::string> arguments;
+    for (int i = 0; pArguments && i < iCount; ++i)
+    {
+        arguments.push_back(VelHost::ToUtf8(pArguments.get()[i]));
+    }
+    return arguments;
+}
 
 /// @return the message on one line.
 std::string OneLine(std::string strText)
@@ -43,10 +49,7 @@ int Run(std::vector<std::string> arguments)
     program.require_subcommand(1);
     // A path may begin with '/'.
     program.allow_windows_style_options(false);
-    for (const AddCommand addCommand : kCommands)
-    {
-        addCommand(program, iExitCode);
-    }
+    VelHost::AddCommands(program, iExitCode);
 
     std::vector<char*> argv;
     for (std::string& strArgument : arguments)
@@ -79,7 +82,7 @@ int main()
     VelHost::PrepareOutput();
     try
     {
-        return Run(VelHost::CommandLineUtf8());
+        return Run(CommandLineUtf8());
     }
     catch (const std::exception& error)
     {

@@ -1,0 +1,281 @@
+#include "tools/velhost/commands/Commands.h"
+#include "tools/velhost/host/Files.h"
+#include "tools/velhost/host/HostModule.h"
+#include "tools/velhost/host/Spooler.h"
+#include "tools/velhost/install/ClientFolders.h"
+#include "tools/velhost/install/LogSetup.h"
+#include "tools/velhost/report/CommandError.h"
+#include "tools/velhost/report/Encoding.h"
+#include "tools/velhost/report/Output.h"
+#include "tools/velhost/report/Table.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace VelHost
+{
+namespace
+{
+
+struct InstallOptions
+{
+    std::string strModule;
+    std::string strRoot = "C:\\Program Files\\Vel-soft\\Client";
+    std::string strPrinter = kDefaultPrinter;
+    std::string strPort = "FILE:";
+    std::string strSample;
+    bool bForce = false;
+    bool bLogging = false;
+    bool bJson = false;
+};
+
+/// What was done, in words.
+struct InstallReport
+{
+    std::wstring strDriverFile;
+    const char* pszDriver = "";
+    const char* pszPrinter = "";
+    const char* pszConfig = "";
+    const char* pszLogConfig = ""; ///< empty when none was asked for
+};
+
+/// The calls that the spooler makes without asking whether they are there.
+const char* const kNeededExports[] = {"DrvDeviceCapabilities", "DrvDocumentPropertySheets"};
+
+/// Throws CommandError when the spooler would crash on the module.
+void CheckModule(const std::wstring& strModule)
+{
+    const HostModule module(strModule, HostModule::Purpose::Examine);
+    for (const char* pszExport : kNeededExports)
+    {
+        if (module.Find(pszExport) == nullptr)
+        {
+            throw CommandError(ToUtf8(strModule) + " is no printer interface module: it does not export " + pszExport);
+        }
+    }
+}
+
+/// Throws CommandError when a printer of that name belongs to another driver.
+void CheckPrinterName(const std::wstring& strPrinter)
+{
+    constexpr size_t kMostNameUnits = 220;
+    if (strPrinter.empty() || strPrinter.size() > kMostNameUnits ||
+        strPrinter.find_first_of(L"\\,!") != std::wstring::npos)
+    {
+        throw CommandError("\"" + ToUtf8(strPrinter) + "\" can't be a printer's name");
+    }
+    if (IsPrinterInstalled(strPrinter))
+    {
+        const PrinterDescription description = DescribePrinter(strPrinter);
+        if (description.strDriver != kDriverName)
+        {
+            throw CommandError("the printer \"" + ToUtf8(strPrinter) + "\" is there already, with the driver \"" +
+                               ToUtf8(description.strDriver) + "\"");
+        }
+    }
+}
+
+void CheckPort(const std::wstring& strPort)
+{
+    const std::vector<std::wstring> ports = PortNames();
+    const bool bThere = std::any_of(ports.begin(), ports.end(),
+                                    [&strPort](const std::wstring& strOther) { return IsSameName(strOther, strPort); });
+    if (!bThere)
+    {
+        std::string strNames;
+        for (const std::wstring& strOther : ports)
+        {
+            strNames += (strNames.empty() ? "" : ", ") + ToUtf8(strOther);
+        }
+        throw CommandError("there is no port \"" + ToUtf8(strPort) + "\"; there are: " + strNames);
+    }
+}
+
+/// Registers the module as the files of a driver; the spooler copies it to its own folder.
+void AddDriver(std::wstring strModule, InstallReport& report)
+{
+    report.pszDriver = FindDriver(kDriverName) ? "updated" : "added";
+    std::wstring strName = kDriverName;
+    DRIVER_INFO_3W info = {};
+    info.cVersion = 3;
+    info.pName = strName.data();
+    info.pDriverPath = strModule.data();
+    info.pDataFile = strModule.data();
+    info.pConfigFile = strModule.data();
+    if (!AddPrinterDriverExW(nullptr, 3, reinterpret_cast<BYTE*>(&info), APD_COPY_ALL_FILES | APD_COPY_FROM_DIRECTORY))
+    {
+        ThrowCommandError("can't add the printer driver");
+    }
+    const auto driver = FindDriver(kDriverName);
+    if (!driver)
+    {
+        throw CommandError("the spooler does not list the driver that it accepted");
+    }
+    report.strDriverFile = driver->strConfigFile;
+}
+
+void AddPrinterOnce(std::wstring strPrinter, std::wstring strPort, InstallReport& report)
+{
+    if (IsPrinterInstalled(strPrinter))
+    {
+        report.pszPrinter = "there already";
+        return;
+    }
+    std::wstring strDriver = kDriverName;
+    std::wstring strProcessor = L"winprint";
+    std::wstring strDatatype = L"RAW";
+    PRINTER_INFO_2W info = {};
+    info.pPrinterName = strPrinter.data();
+    info.pPortName = strPort.data();
+    info.pDriverName = strDriver.data();
+    info.pPrintProcessor = strProcessor.data();
+    info.pDatatype = strDatatype.data();
+    const PrinterHandle printer(AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&info)));
+    if (printer.Get() == nullptr)
+    {
+        ThrowCommandError("can't add the printer \"" + ToUtf8(strPrinter) + "\"");
+    }
+    report.pszPrinter = "added";
+}
+
+/// Copies the sample snapshot, unless there is one and it is to be kept.
+void CopySample(const std::wstring& strSample, const std::wstring& strConfig, bool bForce, InstallRecord& record,
+                InstallReport& report)
+{
+    const bool bThere = IsFile(strConfig);
+    if (bThere && !bForce)
+    {
+        report.pszConfig = "there already, kept";
+        return;
+    }
+    if (!CopyFileW(strSample.c_str(), strConfig.c_str(), FALSE))
+    {
+        ThrowCommandError("can't copy " + ToUtf8(strSample) + " to " + ToUtf8(strConfig));
+    }
+    SetFileAttributesW(strConfig.c_str(), FILE_ATTRIBUTE_NORMAL);
+    if (!bThere)
+    {
+        AddOnce(record.files, strConfig);
+    }
+    report.pszConfig = bThere ? "overwritten" : "copied";
+}
+
+/// Installs the sample log configuration, unless there is one and it is to be kept.
+void InstallLogConfig(const std::vector<ClientFolder>& folders, bool bForce, InstallRecord& record,
+                      InstallReport& report)
+{
+    const std::wstring strConfig = PathIn(FolderOf(folders, L"InstallDir"), kLogConfigName);
+    const bool bThere = IsFile(strConfig);
+    if (bThere && !bForce)
+    {
+        report.pszLogConfig = "there already, kept";
+        return;
+    }
+    WriteLogConfig(BesideProgram(kSampleLogConfig), strConfig, FolderOf(folders, L"LogDir"));
+    if (!bThere)
+    {
+        AddOnce(record.files, strConfig);
+        AddOnce(record.files, PathIn(FolderOf(folders, L"InstallDir"), kLogConfigOffName));
+    }
+    report.pszLogConfig = bThere ? "overwritten" : "installed";
+}
+
+void PrintReport(const InstallOptions& options, const InstallReport& report, const std::vector<ClientFolder>& folders,
+                 const std::wstring& strConfig)
+{
+    if (options.bJson)
+    {
+        Json value;
+        value["driver"] = {
+            {"name", ToUtf8(kDriverName)}, {"file", ToUtf8(report.strDriverFile)}, {"state", report.pszDriver}};
+        value["printer"] = {{"name", options.strPrinter}, {"state", report.pszPrinter}};
+        for (const ClientFolder& folder : folders)
+        {
+            value["folders"][ToUtf8(folder.strValue)] = ToUtf8(folder.strPath);
+        }
+        value["config"] = {{"file", ToUtf8(strConfig)}, {"state", report.pszConfig}};
+        value["logConfig"] = *report.pszLogConfig == '\0' ? Json() : Json(report.pszLogConfig);
+        PrintJson(value);
+        return;
+    }
+    Table table({{"item"}, {"value"}, {"state"}});
+    table.AddRow({"driver", ToUtf8(kDriverName), report.pszDriver});
+    table.AddRow({"driver file", ToUtf8(report.strDriverFile), "copied"});
+    table.AddRow({"printer", options.strPrinter, report.pszPrinter});
+    for (const ClientFolder& folder : folders)
+    {
+        table.AddRow({ToUtf8(folder.strValue), ToUtf8(folder.strPath), "set"});
+    }
+    table.AddRow({"snapshot", ToUtf8(strConfig), report.pszConfig});
+    if (*report.pszLogConfig != '\0')
+    {
+        table.AddRow(
+            {"logging", ToUtf8(PathIn(FolderOf(folders, L"InstallDir"), kLogConfigName)), report.pszLogConfig});
+    }
+    Print(table.Text());
+}
+
+int RunInstall(const InstallOptions& options)
+{
+    // All that can be checked comes before the first change.
+    const std::wstring strModule = ModulePath(options.strModule);
+    CheckModule(strModule);
+    const std::wstring strPrinter = FromUtf8(options.strPrinter);
+    CheckPrinterName(strPrinter);
+    const std::wstring strPort = FromUtf8(options.strPort);
+    CheckPort(strPort);
+    const std::vector<ClientFolder> folders = ClientFolders(AbsolutePath(options.strRoot));
+    const std::wstring strSample =
+        options.strSample.empty() ? BesideProgram(L"sample\\Config.ini") : AbsolutePath(options.strSample);
+    if (!IsFile(strSample))
+    {
+        throw CommandError("there is no sample file " + ToUtf8(strSample));
+    }
+
+    InstallRecord record = InstallRecord::Load();
+    InstallReport report;
+    // The folders come first: the spooler calls the module while it adds the printer.
+    MakeClientFolders(folders, record);
+    record.Save();
+    const std::wstring strConfig = PathIn(FolderOf(folders, L"TempDir"), L"Config.ini");
+    CopySample(strSample, strConfig, options.bForce, record, report);
+    if (options.bLogging)
+    {
+        InstallLogConfig(folders, options.bForce, record, report);
+    }
+    record.Save();
+    AddDriver(strModule, report);
+    AddOnce(record.driverFiles, report.strDriverFile);
+    record.Save();
+    AddPrinterOnce(strPrinter, strPort, report);
+    AddOnce(record.printers, strPrinter);
+    record.Save();
+    PrintReport(options, report, folders, strConfig);
+    return kExitGood;
+}
+
+} // namespace
+
+void AddInstallCommand(CLI::App& program, int& iExitCode)
+{
+    CLI::App* const pCommand = program.add_subcommand(
+        "install", "Registers the module as a printer driver, adds a printer with it, makes the client's folders with\n"
+                   "their registry values, and copies a sample snapshot. May be run again.");
+    const auto pOptions = std::make_shared<InstallOptions>();
+    AddModuleOption(*pCommand, pOptions->strModule);
+    pCommand->add_option("--root", pOptions->strRoot, "The client's folder, which gets Data, Temp and Log")
+        ->type_name("DIR")
+        ->capture_default_str();
+    AddPrinterOption(*pCommand, pOptions->strPrinter);
+    pCommand->add_option("--port", pOptions->strPort, "The printer's port")->type_name("PORT")->capture_default_str();
+    pCommand
+        ->add_option("--sample", pOptions->strSample,
+                     "The snapshot to copy; sample\\Config.ini beside this program by default")
+        ->type_name("FILE");
+    pCommand->add_flag("--force", pOptions->bForce, "Overwrite a snapshot, and a log configuration, that is there");
+    pCommand->add_flag("--logging", pOptions->bLogging, "Install the sample log configuration: every call is logged");
+    AddJsonFlag(*pCommand, pOptions->bJson);
+    pCommand->callback([pOptions, &iExitCode] { iExitCode = RunInstall(*pOptions); });
+}
+
+} // namespace VelHost

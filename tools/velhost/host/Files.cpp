@@ -1,0 +1,110 @@
+#include "tools/velhost/host/Files.h"
+
+#include "tools/velhost/report/CommandError.h"
+#include "tools/velhost/report/Encoding.h"
+
+namespace VelHost
+{
+namespace
+{
+
+/// Wide characters of the longest path that Windows can return, terminator included.
+constexpr DWORD kLongPathUnits = 32768;
+
+constexpr LONGLONG kMostFileBytes = 16 * 1024 * 1024;
+
+} // namespace
+
+std::wstring BesideProgram(const std::wstring& strName)
+{
+    std::wstring strPath(kLongPathUnits, L'\0');
+    strPath.resize(GetModuleFileNameW(nullptr, strPath.data(), kLongPathUnits));
+    return PathIn(strPath.substr(0, strPath.find_last_of(L'\\')), strName);
+}
+
+std::wstring AbsolutePath(const std::string& strPath)
+{
+    std::wstring strFull(kLongPathUnits, L'\0');
+    const DWORD cchFull = GetFullPathNameW(FromUtf8(strPath).c_str(), kLongPathUnits, strFull.data(), nullptr);
+    if (cchFull == 0 || cchFull >= kLongPathUnits)
+    {
+        ThrowCommandError("no path can be made of \"" + strPath + "\"");
+    }
+    strFull.resize(cchFull);
+    constexpr size_t kDriveRootUnits = 3; // "C:\"
+    while (strFull.size() > kDriveRootUnits && strFull.back() == L'\\')
+    {
+        strFull.pop_back();
+    }
+    return strFull;
+}
+
+std::wstring PathIn(const std::wstring& strFolder, const std::wstring& strName)
+{
+    const bool bSeparated = !strFolder.empty() && strFolder.back() == L'\\';
+    return strFolder + (bSeparated ? L"" : L"\\") + strName;
+}
+
+bool IsFile(const std::wstring& strPath)
+{
+    const DWORD dwAttributes = GetFileAttributesW(strPath.c_str());
+    return dwAttributes != INVALID_FILE_ATTRIBUTES && (dwAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
+bool IsFolder(const std::wstring& strPath)
+{
+    const DWORD dwAttributes = GetFileAttributesW(strPath.c_str());
+    return dwAttributes != INVALID_FILE_ATTRIBUTES && (dwAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+FileHandle::FileHandle(const std::wstring& strPath, DWORD dwAccess, DWORD dwShare, DWORD dwCreation) noexcept
+    : m_hFile(CreateFileW(strPath.c_str(), dwAccess, dwShare, nullptr, dwCreation, FILE_ATTRIBUTE_NORMAL, nullptr))
+{}
+
+FileHandle::~FileHandle()
+{
+    if (IsOpen())
+    {
+        CloseHandle(m_hFile);
+    }
+}
+
+std::vector<BYTE> ReadBinaryFile(const std::wstring& strPath)
+{
+    const std::string strWhat = "can't read " + ToUtf8(strPath);
+    const FileHandle file(strPath, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
+    LARGE_INTEGER size = {};
+    if (!file.IsOpen() || !GetFileSizeEx(file.Get(), &size))
+    {
+        ThrowCommandError(strWhat);
+    }
+    if (size.QuadPart > kMostFileBytes)
+    {
+        throw CommandError(strWhat + ": it is too large");
+    }
+    std::vector<BYTE> data(static_cast<size_t>(size.QuadPart));
+    DWORD cbRead = 0;
+    if (!ReadFile(file.Get(), data.data(), static_cast<DWORD>(data.size()), &cbRead, nullptr))
+    {
+        ThrowCommandError(strWhat);
+    }
+    data.resize(cbRead);
+    return data;
+}
+
+void WriteBinaryFile(const std::wstring& strPath, const BYTE* pbyData, size_t cbData)
+{
+    const std::string strWhat = "can't write " + ToUtf8(strPath);
+    const FileHandle file(strPath, GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS);
+    DWORD cbWritten = 0;
+    if (!file.IsOpen() || !WriteFile(file.Get(), pbyData, static_cast<DWORD>(cbData), &cbWritten, nullptr))
+    {
+        ThrowCommandError(strWhat);
+    }
+    if (cbWritten != cbData)
+    {
+        throw CommandError(strWhat + ": the disk is full");
+    }
+}
+
+} // namespace VelHost

@@ -1,0 +1,56 @@
+#pragma once
+/// Files and folders, and the ways to name them.
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+namespace VelHost
+{
+
+/// @return the full path of a file beside the running program, whether it is there or not.
+/// @param strName its name, or a path from the program's folder.
+std::wstring BesideProgram(const std::wstring& strName);
+
+/// @return the full form of a path that is not empty, without a separator at its end (but for a drive's root). Throws
+/// CommandError when there is none.
+/// @param strPath UTF-8, as the command line has it.
+std::wstring AbsolutePath(const std::string& strPath);
+
+/// @return the path of a name in a folder, with one backslash between them.
+std::wstring PathIn(const std::wstring& strFolder, const std::wstring& strName);
+
+/// @return whether a file (not a folder) is there.
+bool IsFile(const std::wstring& strPath);
+
+/// @return whether a folder is there.
+bool IsFolder(const std::wstring& strPath);
+
+/// An open file; closed at the end of the object's life.
+class FileHandle
+{
+public:
+    /// @param dwAccess   GENERIC_ bits.
+    /// @param dwShare    FILE_SHARE_ bits: what others may do with it meanwhile.
+    /// @param dwCreation as for CreateFileW.
+    FileHandle(const std::wstring& strPath, DWORD dwAccess, DWORD dwShare, DWORD dwCreation) noexcept;
+    ~FileHandle();
+    FileHandle(const FileHandle&) = delete;
+    FileHandle& operator=(const FileHandle&) = delete;
+
+    /// @return false when the file could not be opened; GetLastError then tells why.
+    bool IsOpen() const noexcept { return m_hFile != INVALID_HANDLE_VALUE; }
+    HANDLE Get() const noexcept { return m_hFile; }
+
+private:
+    HANDLE m_hFile;
+};
+
+/// @return all bytes of a file. Throws CommandError when it can't be read or is larger than 16 MB.
+std::vector<BYTE> ReadBinaryFile(const std::wstring& strPath);
+
+/// Writes a file anew. Throws CommandError on failure.
+void WriteBinaryFile(const std::wstring& strPath, const BYTE* pbyData, size_t cbData);
+
+} // namespace VelHost

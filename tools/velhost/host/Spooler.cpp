@@ -1,0 +1,123 @@
+#include "tools/velhost/host/Spooler.h"
+
+#include "tools/velhost/report/CommandError.h"
+#include "tools/velhost/report/Encoding.h"
+
+#include <algorithm>
+#include <functional>
+
+namespace VelHost
+{
+namespace
+{
+
+/// Calls an asking function of the spooler twice: for the size, and with a buffer of that size.
+/// @param ask takes a buffer, its bytes and where to put the bytes needed; returns what Windows returned.
+/// @return the filled buffer; empty when there is nothing.
+std::vector<BYTE> AskTwice(const std::string& strWhat, const std::function<BOOL(BYTE*, DWORD, DWORD*)>& ask)
+{
+    std::vector<BYTE> buffer;
+    DWORD cbNeeded = 0;
+    while (!ask(buffer.data(), static_cast<DWORD>(buffer.size()), &cbNeeded))
+    {
+        if (GetLastError() != ERROR_INSUFFICIENT_BUFFER || cbNeeded <= buffer.size())
+        {
+            ThrowCommandError(strWhat);
+        }
+        buffer.resize(cbNeeded);
+    }
+    return buffer;
+}
+
+std::wstring OrEmpty(const wchar_t* pszText)
+{
+    return pszText == nullptr ? std::wstring() : std::wstring(pszText);
+}
+
+} // namespace
+
+bool IsSameName(const std::wstring& strLeft, const std::wstring& strRight)
+{
+    return lstrcmpiW(strLeft.c_str(), strRight.c_str()) == 0;
+}
+
+PrinterHandle::~PrinterHandle()
+{
+    if (m_hPrinter != nullptr)
+    {
+        ClosePrinter(m_hPrinter);
+    }
+}
+
+PrinterHandle OpenInstalledPrinter(const std::wstring& strName, DWORD dwAccess)
+{
+    std::wstring strWritable = strName;
+    PRINTER_DEFAULTSW defaults = {nullptr, nullptr, dwAccess};
+    HANDLE hPrinter = nullptr;
+    if (strName.empty() || !OpenPrinterW(strWritable.data(), &hPrinter, &defaults))
+    {
+        const DWORD dwError = strName.empty() ? ERROR_INVALID_PRINTER_NAME : GetLastError();
+        if (dwError == ERROR_INVALID_PRINTER_NAME)
+        {
+            throw CommandError("there is no printer \"" + ToUtf8(strName) + "\"");
+        }
+        ThrowCommandError("can't open the printer \"" + ToUtf8(strName) + "\"", dwError);
+    }
+    return PrinterHandle(hPrinter);
+}
+
+bool IsPrinterInstalled(const std::wstring& strName)
+{
+    DWORD dwCount = 0;
+    const std::vector<BYTE> buffer = AskTwice("can't list the printers", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
+        return EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, 4, pby, cb, pcbNeeded, &dwCount);
+    });
+    const auto* const pInfos = reinterpret_cast<const PRINTER_INFO_4W*>(buffer.data());
+    return std::any_of(pInfos, pInfos + dwCount, [&strName](const PRINTER_INFO_4W& info) {
+        return IsSameName(OrEmpty(info.pPrinterName), strName);
+    });
+}
+
+PrinterDescription DescribePrinter(const std::wstring& strName)
+{
+    const PrinterHandle printer = OpenInstalledPrinter(strName);
+    const std::vector<BYTE> buffer = AskTwice("can't describe the printer", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
+        return GetPrinterW(printer.Get(), 2, pby, cb, pcbNeeded);
+    });
+    const auto& info = *reinterpret_cast<const PRINTER_INFO_2W*>(buffer.data());
+    return {OrEmpty(info.pPrinterName), OrEmpty(info.pPortName), OrEmpty(info.pDriverName), OrEmpty(info.pLocation),
+            OrEmpty(info.pComment)};
+}
+
+std::optional<DriverDescription> FindDriver(const std::wstring& strName)
+{
+    DWORD dwCount = 0;
+    const std::vector<BYTE> buffer = AskTwice("can't list the drivers", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
+        return EnumPrinterDriversW(nullptr, nullptr, 3, pby, cb, pcbNeeded, &dwCount);
+    });
+    const auto* const pInfos = reinterpret_cast<const DRIVER_INFO_3W*>(buffer.data());
+    const auto* const pFound = std::find_if(pInfos, pInfos + dwCount, [&strName](const DRIVER_INFO_3W& info) {
+        return IsSameName(OrEmpty(info.pName), strName);
+    });
+    if (pFound == pInfos + dwCount)
+    {
+        return std::nullopt;
+    }
+    return DriverDescription{OrEmpty(pFound->pName), OrEmpty(pFound->pDriverPath), OrEmpty(pFound->pConfigFile),
+                             OrEmpty(pFound->pDataFile)};
+}
+
+std::vector<std::wstring> PortNames()
+{
+    DWORD dwCount = 0;
+    const std::vector<BYTE> buffer = AskTwice("can't list the ports", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
+        return EnumPortsW(nullptr, 1, pby, cb, pcbNeeded, &dwCount);
+    });
+    const auto* const pInfos = reinterpret_cast<const PORT_INFO_1W*>(buffer.data());
+    std::vector<std::wstring> names;
+    std::transform(pInfos, pInfos + dwCount, std::back_inserter(names),
+                   [](const PORT_INFO_1W& info) { return OrEmpty(info.pName); });
+    return names;
+}
+
+} // namespace VelHost

@@ -1,0 +1,69 @@
+#pragma once
+/// What the commands ask of Windows' spooler, with errors as CommandError.
+
+#include <windows.h>
+#include <winspool.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace VelHost
+{
+
+/// An open printer; closed at the end of the object's life.
+class PrinterHandle
+{
+public:
+    /// @param hPrinter owned; may be null.
+    explicit PrinterHandle(HANDLE hPrinter) noexcept : m_hPrinter(hPrinter) {}
+    ~PrinterHandle();
+    PrinterHandle(PrinterHandle&& other) noexcept : m_hPrinter(other.m_hPrinter) { other.m_hPrinter = nullptr; }
+    PrinterHandle(const PrinterHandle&) = delete;
+    PrinterHandle& operator=(const PrinterHandle&) = delete;
+
+    HANDLE Get() const noexcept { return m_hPrinter; }
+
+private:
+    HANDLE m_hPrinter;
+};
+
+/// @return whether two names of printers, drivers, ports or files are one, whatever the case of their letters.
+bool IsSameName(const std::wstring& strLeft, const std::wstring& strRight);
+
+/// What is known of an installed printer.
+struct PrinterDescription
+{
+    std::wstring strName;
+    std::wstring strPort;
+    std::wstring strDriver;
+    std::wstring strLocation;
+    std::wstring strComment;
+};
+
+/// What is known of an installed driver.
+struct DriverDescription
+{
+    std::wstring strName;
+    std::wstring strDriverFile; ///< full paths
+    std::wstring strConfigFile;
+    std::wstring strDataFile;
+};
+
+/// Opens a printer with a right. Throws CommandError "there is no printer ..." for an unknown name.
+/// @param dwAccess PRINTER_ACCESS_USE or PRINTER_ALL_ACCESS.
+PrinterHandle OpenInstalledPrinter(const std::wstring& strName, DWORD dwAccess = PRINTER_ACCESS_USE);
+
+/// @return whether a local printer of that name is installed.
+bool IsPrinterInstalled(const std::wstring& strName);
+
+/// Throws CommandError for an unknown name.
+PrinterDescription DescribePrinter(const std::wstring& strName);
+
+/// @return the driver of that name for 64-bit Windows, or nothing.
+std::optional<DriverDescription> FindDriver(const std::wstring& strName);
+
+/// @return names of the local ports.
+std::vector<std::wstring> PortNames();
+
+} // namespace VelHost
