@@ -15,14 +15,24 @@ public:
     {
         m_snapshot.m_stuCaps.*number.pValue = QueryCaps(m_ask, FindCapsCode(m_wCode)).dwAnswer;
     }
-    /// A list of any kind.
+    template <typename Entry>
+    void operator()(const VelUtility::CapList<Entry>& list) const
+    {
+        TakeList(list);
+    }
+    template <typename Pair>
+    void operator()(const VelUtility::CapPairs<Pair>& pairs) const
+    {
+        TakeList(pairs);
+    }
+
+private:
     template <typename List>
-    void operator()(const List& list) const
+    void TakeList(const List& list) const
     {
         m_snapshot.TakeList(m_ask, m_wCode, m_snapshot.m_stuCaps.*list.pElements, m_snapshot.m_stuCaps.*list.pCount);
     }
 
-private:
     Snapshot& m_snapshot;
     const AskCaps& m_ask;
     WORD m_wCode;
