@@ -14,7 +14,7 @@
 #include "tests/common/StandIns.h"
 #include "tests/common/UserName.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <memory>
 #include <tlhelp32.h>

@@ -13,7 +13,7 @@
 #include "tests/common/UserName.h"
 
 #include <boost/bind/bind.hpp>
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <cerrno>
 #include <cstdlib>

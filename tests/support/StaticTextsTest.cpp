@@ -1,7 +1,7 @@
 #include "support/NetworkErrorTexts.h"
 #include "support/PrintEnvironments.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <iterator>
 #include <map>

@@ -5,7 +5,8 @@
 #include "tests/ui/SettingsFixture.h"
 #include "ui/NumberBox.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
+#include <catch2/generators/catch_generators.hpp>
 
 namespace
 {

@@ -6,7 +6,7 @@
 #include "tools/velhost/CommandError.h"
 #include "tools/velhost/LogSetup.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 using namespace VelHost;
 

@@ -5,7 +5,7 @@
 #include "tests/common/TempFolder.h"
 #include "tests/common/UserName.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 namespace
 {

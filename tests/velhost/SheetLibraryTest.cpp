@@ -4,7 +4,8 @@
 #include "tools/velhost/SheetFont.h"
 #include "tools/velhost/SheetLibrary.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
+#include <catch2/generators/catch_generators.hpp>
 
 #include <vector>
 

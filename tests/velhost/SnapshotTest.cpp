@@ -4,7 +4,7 @@
 #include "state/PrinterConfig.h"
 #include "tools/velhost/Snapshot.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <cwchar>
 
