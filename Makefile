@@ -1,6 +1,6 @@
-# The project's commands. Each installs what is missing (Debian 12, as root) and can be run again in seconds.
+# The project's commands. Each installs what is missing (Debian 12 or 13, as root) and can be run again in seconds.
 .DEFAULT_GOAL := help
-.PHONY: help setup configure build run test coverage fuzz stress bench check clean
+.PHONY: help setup configure build run test quick coverage fuzz stress bench check clean
 
 BUILD := build/release
 JOBS := $(shell nproc)
@@ -22,14 +22,15 @@ build: configure ## build/release/VelUI.dll and velhost.exe
 run: build ## install the driver into a Wine spooler, ask for its capabilities, show its document sheet
 	@tools/run.sh
 
-test: configure ## build everything twice, plain and with traps for undefined behaviour, and run all tests of both
+test: configure ## build the module plain and with traps for undefined behaviour, and run all tests on both
 	@echo "== building the module, the host program and the tests"
-	@cmake --build --preset release -j $(JOBS)
+	@cmake --build --preset release -j $(JOBS) --target veltests veltests_checked
 	@tools/test.sh
-	@echo "== building the same with traps for undefined behaviour, checks of the C++ library and guarded stacks"
-	@if [ ! -f build/checked/build.ninja ]; then cmake --preset checked > build/checked.log || { cat build/checked.log; exit 1; }; fi
-	@cmake --build --preset checked -j $(JOBS)
-	@VELUI_BUILD=checked tools/test.sh
+
+quick: configure ## FOLDER=state: the plain build and the tests of one folder, for the change at hand
+	@[ -n "$(FOLDER)" ] || { echo "which tests? make quick FOLDER=state (a folder of tests/)" >&2; exit 1; }
+	@cmake --build --preset release -j $(JOBS) --target veltests
+	@tools/test.sh --only plain --folder "$(FOLDER)"
 
 coverage: configure ## which lines and branches of the module the tests run; at least 98 % and 90 %
 	@tools/setup.sh coverage

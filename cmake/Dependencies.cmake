@@ -1,16 +1,19 @@
 # The libraries that are installed and called, as imported targets:
 #   velui::log4cpp   static log4cpp with the definitions that its users must share
 #   velui::boost     Boost's headers
-#   velui::catch2    Catch2 2.x, one header
+#   velui::catch2    Catch2 3, a static library without its main
 #   velui::cli       CLI11 and nlohmann/json, for velhost
 #
-# With vcpkg they come from its manifest. In the cross build log4cpp is built from its archive, and the header-only ones
-# are Debian's, each seen through a link in a folder of its own: /usr/include itself must never enter the include path
+# With vcpkg they come from its manifest. In the cross build log4cpp and Catch2 are built from their archives, and the
+# header-only ones are Debian's, each seen through a link in a folder of its own: /usr/include itself must never enter the include path
 # of the target.
 
 set(VELUI_LOG4CPP_SHA256 696113659e426540625274a8b251052cc04306d8ee5c42a0c7639f39ca90c9d6)
 set(VELUI_LOG4CPP_ARCHIVE ${CMAKE_SOURCE_DIR}/.deps/log4cpp_1.1.4.orig.tar.gz
     CACHE FILEPATH "log4cpp's source archive; tools/setup.sh puts it there")
+set(VELUI_CATCH2_SHA256 c991b247a1a0d7bb9c39aa35faf0fe9e19764213f28ffba3109388e62ee0269c)
+set(VELUI_CATCH2_ARCHIVE ${CMAKE_SOURCE_DIR}/.deps/catch2_3.7.1.orig.tar.gz
+    CACHE FILEPATH "Catch2's source archive; tools/setup.sh puts it there")
 
 function(velui_header_target name)
     add_library(velui::${name} INTERFACE IMPORTED GLOBAL)
@@ -28,7 +31,6 @@ endfunction()
 
 if(CMAKE_CROSSCOMPILING)
     velui_header_target(boost boost)
-    velui_header_target(catch2 catch2)
     velui_header_target(cli CLI nlohmann)
 
     include(ExternalProject)
@@ -63,10 +65,29 @@ if(CMAKE_CROSSCOMPILING)
         INTERFACE_SYSTEM_INCLUDE_DIRECTORIES ${log4cpp_dir}/install/include
         INTERFACE_COMPILE_DEFINITIONS "${log4cpp_definitions}"
         INTERFACE_LINK_LIBRARIES "ws2_32;advapi32")
+
+    # Catch2 has 100 sources, which cost 90 s of a processor one by one; the one file that its makers put them together in
+    # costs 15. The tests include its single headers all the same: they need few of them.
+    set(catch2_dir ${CMAKE_BINARY_DIR}/deps/catch2)
+    file(SHA256 ${VELUI_CATCH2_ARCHIVE} catch2_sum)
+    if(NOT catch2_sum STREQUAL VELUI_CATCH2_SHA256)
+        message(FATAL_ERROR "${VELUI_CATCH2_ARCHIVE} is not Catch2 3.7.1: run tools/setup.sh first")
+    endif()
+    file(ARCHIVE_EXTRACT INPUT ${VELUI_CATCH2_ARCHIVE} DESTINATION ${catch2_dir})
+    set(CATCH_CONFIG_DEFAULT_REPORTER console)
+    set(CATCH_CONFIG_CONSOLE_WIDTH 120)
+    configure_file(${catch2_dir}/Catch2-3.7.1/src/catch2/catch_user_config.hpp.in
+        ${catch2_dir}/generated/catch2/catch_user_config.hpp)
+    add_library(velui_catch2 STATIC EXCLUDE_FROM_ALL ${catch2_dir}/Catch2-3.7.1/extras/catch_amalgamated.cpp)
+    target_include_directories(velui_catch2 SYSTEM PUBLIC ${catch2_dir}/Catch2-3.7.1/src ${catch2_dir}/generated)
+    target_compile_definitions(velui_catch2 PRIVATE
+        CATCH_AMALGAMATED_CUSTOM_MAIN CATCH_CONFIG_CONSOLE_WIDTH=${CATCH_CONFIG_CONSOLE_WIDTH})
+    target_compile_options(velui_catch2 PRIVATE -O1 -g0 -w)
+    add_library(velui::catch2 ALIAS velui_catch2)
 else()
     find_package(log4cpp CONFIG REQUIRED)
     find_package(Boost REQUIRED)
-    find_package(Catch2 2 REQUIRED)
+    find_package(Catch2 3 CONFIG REQUIRED)
     find_package(CLI11 CONFIG REQUIRED)
     find_package(nlohmann_json CONFIG REQUIRED)
     add_library(velui::log4cpp ALIAS log4cpp::log4cpp)

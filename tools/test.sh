@@ -1,8 +1,7 @@
 #!/bin/bash
-# Runs all tests under Wine. Arguments go to ctest: tools/test.sh -R 'part of a name'
-# VELUI_BUILD names the build (a preset of CMakePresets.json); release by default.
+# Runs all tests under Wine, of the plain and of the checked build. Arguments go to tools/testrun.py (--help shows them):
+#   tools/test.sh -R 'part of a name'
+# VELUI_BUILD names another build (a preset of CMakePresets.json) than release.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-build=${VELUI_BUILD:-release}
-echo "== running the tests of the $build build"
-exec tools/wine.sh --session ctest --test-dir "build/$build" --output-on-failure -j "$(nproc)" "$@"
+exec tools/wine.sh --session python3 tools/testrun.py "$@"

@@ -5,6 +5,7 @@
 #   tools/wine.sh PROGRAM [ARGUMENTS]       runs a program
 #   tools/wine.sh --session COMMAND [...]   runs a command of the host while one Wine session stands, so that the programs
 #                                           it runs start in a few hundredths of a second; ends the session with it
+#   tools/wine.sh --direct PROGRAM [...]    runs a program whose output goes straight to a pipe, see below
 #   tools/wine.sh --stop                    ends what runs in the prefix
 #
 # A session shows its windows under an Xvfb of its own, so that they come and go on nobody's desktop. VELUI_SHOW=1 shows
@@ -91,6 +92,10 @@ if [ "$1" = --session ]; then
     wineserver -w 2>/dev/null
     exit $status
 fi
+if [ "$1" = --direct ]; then
+    shift
+    exec wine "$@"
+fi
 if [ -t 1 ]; then
     exec wine "$@"
 fi
@@ -102,6 +107,8 @@ status=$?
 if [ "$status" != 0 ] && [ ! -s "$output" ] && [ ! -s "$output.err" ]; then
     # Every program here says something before it ends. Once in some thousands of starts Wine itself ends first.
     echo "wine.sh: $1 ended with $status and no word; starting it once more" >&2
+    # Counted in a run of the tests, which shows the number at its end.
+    [ -z "${VELUI_REPEATS:-}" ] || echo "$1 ended with $status and no word" >>"${VELUI_REPEATS#Z:}"
     wine "$@" >"$output" 2>"$output.err"
     status=$?
 fi

@@ -1,6 +1,6 @@
 #include "tests/common/ImportHook.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <cstring>
 

@@ -5,7 +5,7 @@
 
 #include <windows.h>
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <clocale>
 #include <objbase.h>

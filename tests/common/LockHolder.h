@@ -4,7 +4,7 @@
 #include "tests/common/BuiltModule.h"
 #include "tests/common/ChildProcess.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <string>
 

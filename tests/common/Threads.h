@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 /// Runs a function on another thread and waits for its end.
 template <typename Function>

@@ -13,7 +13,7 @@
 
 #include <log4cpp/Category.hh>
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <cerrno>
 #include <fcntl.h>

@@ -6,7 +6,8 @@
 
 #include <log4cpp/NDC.hh>
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
+#include <catch2/generators/catch_generators.hpp>
 
 namespace
 {

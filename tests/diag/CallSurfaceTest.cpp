@@ -4,7 +4,7 @@
 #include "diag/LogSite.h"
 #include "tests/common/TempFolder.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <cstdlib>
 

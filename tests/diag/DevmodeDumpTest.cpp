@@ -3,7 +3,7 @@
 #include "diag/FunctionTrace.h"
 #include "diag/LogText.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <string>
 

@@ -5,7 +5,8 @@
 
 #include <log4cpp/Category.hh>
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
+#include <catch2/generators/catch_generators.hpp>
 
 #include <cstdarg>
 #include <cstdio>

@@ -4,7 +4,8 @@
 #include "tests/common/Threads.h"
 #include "tests/diag/LoggingOn.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
+#include <catch2/generators/catch_generators.hpp>
 
 #include <algorithm>
 #include <cerrno>

@@ -8,7 +8,8 @@
 #include <log4cpp/Category.hh>
 #include <log4cpp/LoggingEvent.hh>
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
+#include <catch2/generators/catch_generators.hpp>
 
 #include <cerrno>
 #include <iostream>

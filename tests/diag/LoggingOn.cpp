@@ -8,7 +8,7 @@
 #include <log4cpp/HierarchyMaintainer.hh>
 #include <log4cpp/NDC.hh>
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <algorithm>
 

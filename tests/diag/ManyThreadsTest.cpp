@@ -4,7 +4,7 @@
 #include "tests/common/HeapUse.h"
 #include "tests/diag/LoggingOn.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <map>
 #include <vector>

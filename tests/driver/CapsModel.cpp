@@ -2,7 +2,7 @@
 
 #include "tests/common/BuiltModule.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 const std::vector<CapModel>& CapModels()
 {

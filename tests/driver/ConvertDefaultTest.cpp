@@ -6,7 +6,7 @@
 #include "tests/common/GuardedBuffer.h"
 #include "tests/common/LogLines.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 namespace
 {

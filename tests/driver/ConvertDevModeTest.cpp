@@ -3,7 +3,7 @@
 #include "tests/common/GuardedBuffer.h"
 #include "tests/common/PrivateRegistry.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <algorithm>
 

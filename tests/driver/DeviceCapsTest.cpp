@@ -2,7 +2,8 @@
 #include "tests/driver/CapsModel.h"
 #include "tests/driver/CapsRoute.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
+#include <catch2/generators/catch_generators.hpp>
 
 #include <algorithm>
 #include <memory>

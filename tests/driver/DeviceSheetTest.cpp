@@ -5,7 +5,7 @@
 #include "tests/common/LogLines.h"
 #include "tests/driver/SheetCalls.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 namespace
 {

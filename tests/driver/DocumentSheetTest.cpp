@@ -6,7 +6,8 @@
 #include "tests/common/LogLines.h"
 #include "tests/driver/SheetCalls.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
+#include <catch2/generators/catch_generators.hpp>
 
 #include <map>
 

@@ -5,7 +5,7 @@
 #include "tests/common/PrivateRegistry.h"
 #include "tests/common/TempFolder.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <tlhelp32.h>
 

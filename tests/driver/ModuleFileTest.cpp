@@ -3,7 +3,7 @@
 #include "tests/common/BuiltModule.h"
 #include "tests/common/TempFolder.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <algorithm>
 #include <map>

@@ -6,7 +6,7 @@
 #include "tests/common/TempFolder.h"
 #include "tests/common/TextsFrom.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 namespace
 {

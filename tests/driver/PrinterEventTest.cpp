@@ -7,7 +7,7 @@
 #include "tests/common/PrivateRegistry.h"
 #include "tests/common/StandIns.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 namespace
 {

@@ -13,7 +13,7 @@
 #include "tests/common/LogLines.h"
 #include "tests/common/StandIns.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <memory>
 #include <tlhelp32.h>

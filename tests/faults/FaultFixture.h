@@ -9,7 +9,7 @@
 
 #include "state/FileLocker.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <cstdio>
 #include <new>

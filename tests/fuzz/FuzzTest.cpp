@@ -17,7 +17,7 @@
 #include "tests/common/ClientFixture.h"
 #include "tests/fuzz/GuardedArena.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <algorithm>
 #include <cstdio>

@@ -2,7 +2,7 @@
 #include "settings/DriverDevmode.h"
 #include "tests/common/GuardedBuffer.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <algorithm>
 #include <vector>

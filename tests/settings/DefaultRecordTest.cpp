@@ -3,7 +3,7 @@
 #include "tests/common/ClientFixture.h"
 #include "tests/common/TextsFrom.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 namespace
 {

@@ -1,7 +1,7 @@
 #include "settings/DefaultRecord.h"
 #include "tests/common/GuardedBuffer.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <algorithm>
 #include <vector>

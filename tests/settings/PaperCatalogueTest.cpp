@@ -8,7 +8,8 @@
 #include "tests/ui/SheetDataFixture.h"
 #include "ui/PaperControls.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
+#include <catch2/generators/catch_generators.hpp>
 
 #include <clocale>
 #include <set>

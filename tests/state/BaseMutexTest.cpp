@@ -1,7 +1,7 @@
 #include "state/BaseMutex.h"
 #include "tests/common/Threads.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <string>
 

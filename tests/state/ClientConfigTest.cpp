@@ -3,7 +3,7 @@
 #include "state/UserIniFiles.h"
 #include "tests/common/ClientFixture.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 using namespace VelUtility;
 

@@ -5,7 +5,7 @@
 #include "tests/common/ClientFixture.h"
 #include "tests/common/LockHolder.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <array>
 #include <cstdio>

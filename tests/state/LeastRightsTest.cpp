@@ -7,7 +7,7 @@
 #include "tests/common/ImportHook.h"
 #include "tests/ui/SheetDataFixture.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 using namespace VelUtility;
 

@@ -4,7 +4,7 @@
 #include "tests/common/ImportHook.h"
 #include "tests/common/LogLines.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <cstdlib>
 #include <iphlpapi.h>

@@ -1,7 +1,7 @@
 #include "state/Profile.h"
 #include "tests/common/TempFolder.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <vector>
 

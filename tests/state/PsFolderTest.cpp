@@ -2,7 +2,7 @@
 #include "state/StoreTypes.h"
 #include "tests/common/PrivateRegistry.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <array>
 

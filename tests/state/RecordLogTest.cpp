@@ -9,7 +9,7 @@
 #include "tests/common/ClientFixture.h"
 #include "tests/common/LogLines.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <functional>
 

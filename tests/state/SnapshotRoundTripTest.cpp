@@ -4,7 +4,7 @@
 #include "tests/common/ClientFixture.h"
 #include "tests/common/GuardedBuffer.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <memory>
 

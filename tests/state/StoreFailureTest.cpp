@@ -8,7 +8,7 @@
 #include "tests/common/ClientFixture.h"
 #include "tests/common/ImportHook.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <cstdlib>
 

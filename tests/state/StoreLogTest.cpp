@@ -10,7 +10,7 @@
 #include "tests/common/ClientFixture.h"
 #include "tests/common/LogLines.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 using namespace VelUtility;
 

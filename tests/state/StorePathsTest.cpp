@@ -1,7 +1,7 @@
 #include "state/StorePaths.h"
 #include "tests/common/PrivateRegistry.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 using namespace VelUtility;
 

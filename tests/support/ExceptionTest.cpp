@@ -4,7 +4,7 @@
 #include "tests/common/ChildProcess.h"
 #include "tests/common/TempFolder.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <cerrno>
 #include <clocale>

@@ -11,7 +11,7 @@
 #include "tests/common/StandIns.h"
 
 #include <boost/bind/bind.hpp>
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <cerrno>
 #include <cstdlib>

@@ -3,7 +3,8 @@
 #include "ui/AboutPage.h"
 #include "ui/AdvancedPage.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
+#include <catch2/generators/catch_generators.hpp>
 
 namespace
 {

@@ -11,7 +11,8 @@
 #include "tests/ui/SheetDataFixture.h"
 #include "tools/velhost/sheet/SheetLibrary.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
+#include <catch2/generators/catch_generators.hpp>
 
 #include <winspool.h>
 

@@ -4,7 +4,7 @@
 
 #include <commctrl.h>
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <utility>
 

@@ -3,7 +3,7 @@
 #include "tests/ui/BoxWatcher.h"
 #include "tests/ui/SettingsFixture.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 namespace
 {

@@ -6,7 +6,8 @@
 #include "ui/Controls.h"
 #include "ui/OtherControls.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
+#include <catch2/generators/catch_generators.hpp>
 
 namespace
 {

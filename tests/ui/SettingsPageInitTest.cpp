@@ -3,7 +3,8 @@
 #include "tests/ui/PageWindow.h"
 #include "tests/ui/SettingsFixture.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
+#include <catch2/generators/catch_generators.hpp>
 
 TEST_CASE_METHOD(SettingsFixture, "the page offers the papers in list order and the custom paper last",
                  "[ui][settings]")

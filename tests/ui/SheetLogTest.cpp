@@ -8,7 +8,7 @@
 #include "tools/velhost/install/LogSetup.h"
 #include "tools/velhost/sheet/SheetLibrary.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <algorithm>
 #include <memory>

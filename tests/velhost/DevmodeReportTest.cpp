@@ -1,7 +1,7 @@
 #include "settings/DriverDevmode.h"
 #include "tools/velhost/report/DevmodeReport.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <cwchar>
 

@@ -6,7 +6,7 @@
 #include "tools/velhost/install/LogSetup.h"
 #include "tools/velhost/report/CommandError.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 using namespace VelHost;
 

@@ -3,7 +3,7 @@
 #include "state/CapabilitySnapshot.h"
 #include "tools/velhost/host/Snapshot.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <cwchar>
 

@@ -2,7 +2,7 @@
 #include "tests/common/ClientFixture.h"
 #include "tools/velhost/host/StoreKeys.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 #include <set>
 #include <stdexcept>

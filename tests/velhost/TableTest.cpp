@@ -1,6 +1,6 @@
 #include "tools/velhost/report/Table.h"
 
-#include <catch2/catch.hpp>
+#include <catch2/catch_test_macros.hpp>
 
 using VelHost::DisplayWidth;
 using VelHost::Table;
