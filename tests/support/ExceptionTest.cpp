@@ -144,6 +144,7 @@ TEST_CASE("a code without a system text is unknown", "[support][exceptions]")
 
 TEST_CASE("texts convert both ways in the C locale up to the first NUL", "[support][conversion]")
 {
+    const CrtLocale locale("C");
     CHECK(ToNarrow(L"") == "");
     CHECK(ToNarrow(L"C:\\x.exe") == "C:\\x.exe");
     CHECK(ToNarrow(std::wstring(L"ab\0cd", 5)) == "ab");
