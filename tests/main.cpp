@@ -2,7 +2,7 @@
 // from its standard input, and says after each how it ended: so tools/testrun.py spreads the cases over a handful of
 // processes and knows at any moment which one a process is in.
 #include "diag/Log.h"
-#include "support/ModuleTexts.h"
+#include "support/module/ModuleTexts.h"
 
 #include <catch2/catch_session.hpp>
 

@@ -17,26 +17,12 @@ else
 fi
 
 echo "== drift"
-# System headers are written in lower case, so that the tree builds on a file system that tells cases apart.
-grep -nE '#include <[^>]*[A-Z][^>]*>' "${sources[@]}" | grep -vE '<CLI/|<log4cpp/' && fail "mixed-case include"
 # Names of cases are told to the test program a line each, and apart from one another without regard to case.
 grep -hoE '^(TEST_CASE|TEST_CASE_METHOD)\([^"]*"[^"]*"' "${sources[@]}" | grep -o '"[^"]*"' | sort -f | uniq -di | grep . &&
     fail "two cases of one name"
-for file in "${sources[@]}"; do
-    lines=$(wc -l <"$file")
-    [ "$lines" -le 600 ] || fail "$file has $lines lines: split it"
-done
-# Dependencies point down: driver, ui, settings, state, support; everything may use diag; diag and support use neither.
-upward() {
-    local from=$1 to=$2
-    grep -nE "#include \"($to)/" $(git ls-files --cached --others --exclude-standard "$from/*.cpp" "$from/*.h") /dev/null &&
-        fail "$from/ must not include $to/"
-}
-upward ui 'driver'
-upward settings 'driver|ui'
-upward state 'driver|ui|settings'
-upward diag 'driver|ui|settings|state|support|tools|tests'
-upward support 'driver|ui|settings|state|tools|tests'
+
+echo "== layout: who includes whom, what belongs together, lengths, the map of the log's words"
+tools/check-layout.py || fail "the layout differs"
 
 echo "== cppcheck"
 own=$(git ls-files --cached --others --exclude-standard 'driver/*.cpp' 'ui/*.cpp' 'settings/*.cpp' 'state/*.cpp' 'diag/*.cpp' 'support/*.cpp' 'tools/*.cpp')

@@ -6,8 +6,8 @@
 // system frees of each thread's block at the thread's end, and gives it back when the module is unloaded.
 //
 // The two functions' names, arguments and the layout of __emutls_object are GCC's ABI. Linked as an object, never
-// through an archive: it must be there before the linker looks into libgcc. It may go when libgcc's version gives its index
-// back at unload.
+// through an archive: it must be there before the linker looks into libgcc. It may go when libgcc's version gives its
+// index back at unload.
 
 #include <windows.h>
 
