@@ -78,7 +78,8 @@ void LogParam(const char* pszFormat, ...) noexcept VELUI_LOG_FORMAT;
 /// The shape of a level function.
 using LogFunction = void (*)(const char* pszFormat, ...) noexcept;
 
-/// Prints bytes through a level function: the title, the address and length, then lines of 16 bytes.
+/// Prints bytes through a level function: the title, the address and length, then lines of 16 bytes. No code of this
+/// module calls it: it is kept for whoever must see a record's bytes while looking for a fault.
 /// @param pBuffer  borrowed; may be null.
 /// @param lLength  bytes at pBuffer.
 void LogBufferDump(const char* pszTitle, const void* pBuffer, long lLength, LogFunction pfnLog) noexcept;

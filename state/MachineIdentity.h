@@ -1,5 +1,7 @@
 #pragma once
-/// Who the machine is: its name, its first address and the hardware address of its first network adapter.
+/// Who the machine is: its name, its first address and the hardware address of its first network adapter. No entry
+/// point of this module reaches these functions: they are kept for the client's programs, which name the machine to
+/// their server.
 
 #include <windows.h>
 

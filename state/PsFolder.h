@@ -43,7 +43,8 @@ inline constexpr char kNarrowInstallDir[] = VELUI_INSTALL_DIR;
 ///         the range (with the key present) or a text of more than uiSize bytes, the terminator included.
 DWORD GetClientFolder(DWORD iFolderId, wchar_t* szFolder, unsigned __int64 uiSize);
 
-/// The same for the server's folders (ids 4 to 10).
+/// The same for the server's folders (ids 4 to 10). No entry point of this module reaches it: it is kept for programs
+/// on a machine that has the server.
 DWORD GetServerFolder(DWORD iFolderId, wchar_t* szFolder, unsigned __int64 uiSize);
 
 } // namespace VelUtility

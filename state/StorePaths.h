@@ -40,7 +40,8 @@ bool MakePersonalFilePath(const wchar_t* szFileName, wchar_t* szPath);
 /// The same with a log line for a failure, in the caller's trace scope.
 bool MakeLoggedPersonalPath(const wchar_t* szFileName, wchar_t* szPath);
 
-/// The path of a message file: "user_name" in the client's DataDir, for the user given and not the current one.
+/// The path of a message file: "user_name" in the client's DataDir, for the user given and not the current one. Like
+/// MakeServerFilePath it serves functions that are kept for the client's programs.
 bool MakeUserMessageFilePath(const wchar_t* szFileName, std::wstring strUser, wchar_t* szPath);
 
 /// The path of a file of the machine in the client's DataDir.

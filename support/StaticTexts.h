@@ -1,6 +1,6 @@
 #pragma once
-/// Two static text tables. Nothing in the module reads them; they are kept for the client's other programs, which are
-/// built from the same support library.
+/// Two static text tables. Nothing in the module reads them; they are kept for the client's programs that use this
+/// library.
 
 #include <windows.h>
 
