@@ -6,14 +6,6 @@ function(velui_library_first target library)
     target_link_libraries(${target} PRIVATE ${library})
 endfunction()
 
-# velui_fast_link(target): links a program that only tests start with LLVM's linker. The stack is as large as the GNU
-# linker makes it.
-function(velui_fast_link target)
-    if(CMAKE_CROSSCOMPILING)
-        target_link_options(${target} PRIVATE -B${CMAKE_SOURCE_DIR}/tools/lld -fno-use-linker-plugin -Wl,--stack,2097152)
-    endif()
-endfunction()
-
 if(VELUI_COVERAGE)
     return()
 endif()
@@ -50,7 +42,6 @@ function(velui_checked_program twin)
     set_target_properties(${twin}_checked PROPERTIES
         OUTPUT_NAME ${twin} LINKER_LANGUAGE CXX RUNTIME_OUTPUT_DIRECTORY ${checked_folder})
     velui_library_first(${twin}_checked velui_core_checked)
-    velui_fast_link(${twin}_checked)
     target_link_libraries(${twin}_checked PRIVATE ${ARGN})
 endfunction()
 

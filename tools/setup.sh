@@ -6,10 +6,10 @@ cd "$(dirname "$0")/.."
 
 say() { echo "== $*"; }
 
-# What for: cross compiler, resource compiler and the linker of the tests; build tools; drawings into icons and bitmaps; Wine, a display and a
+# What for: cross compiler and resource compiler; build tools; drawings into icons and bitmaps; Wine, a display and a
 # Chinese font; header-only libraries; the source of locales (code page 936 needs one).
 packages=(
-    g++-mingw-w64-x86-64-win32 binutils-mingw-w64-x86-64 lld
+    g++-mingw-w64-x86-64-win32 binutils-mingw-w64-x86-64
     cmake ninja-build make git
     librsvg2-bin icoutils netpbm
     wine wine64 fonts-wine xvfb fonts-wqy-microhei python3
