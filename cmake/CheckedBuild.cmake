@@ -15,9 +15,9 @@ endif()
 # either library.
 #
 # What the checked run checks: all code of driver/, ui/, settings/, state/, diag/ and support/, with the inline functions
-# of their headers and of the C++ library as they use them. The tests' and the host program's own code has no traps (it
-# never had), but uses the C++ library with its assertions, in both runs: they change no class of it. The units of
-# velui_runtime, which stand in for parts of the run-time, and log4cpp are the same objects in both runs, without traps.
+# of their headers and of the C++ library as they use them. The tests' and the host program's own code has neither traps nor
+# the C++ library's assertions. The units of velui_runtime, which stand in for parts of the run-time, and log4cpp are the
+# same objects in both runs, without traps.
 # Where a test calls an inline function of a product header itself, and the library has no copy of it because the
 # optimiser put it into its callers, the test's own copy runs, without traps.
 set(checked_folder ${CMAKE_BINARY_DIR}/checked)
