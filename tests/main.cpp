@@ -17,7 +17,7 @@
 namespace
 {
 
-/// The name as a test specification that means this case and no other.
+/// The name as a filter of cases that means this one and no other.
 std::string Escaped(const std::string& strName)
 {
     std::string strSpec;
