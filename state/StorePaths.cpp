@@ -29,15 +29,8 @@ bool MakeClientFilePath(FolderId iFolderId, unsigned __int64 uiSize, const wchar
     return true;
 }
 
-void FormatPersonalName(wchar_t* szName, const wchar_t* pszUserName, const wchar_t* pszDomainName,
-                        const wchar_t* pszFileName)
+bool MakePersonalPathInScope(const wchar_t* pszFileName, wchar_t* szPath)
 {
-    _snwprintf_s(szName, kStoreNameUnits, _TRUNCATE, L"%ls@%ls_%ls", pszUserName, pszDomainName, pszFileName);
-}
-
-bool MakePersonalFilePath(const wchar_t* szFileName, wchar_t* szPath)
-{
-    const FunctionScope scope("VelUtility::MakePersonalFilePath");
     wchar_t szUserName[kUserNameUnits] = {};
     wchar_t szDomainName[kDomainNameUnits] = {};
     if (GetCurrentUsername(szUserName, szDomainName) == 0)
@@ -46,8 +39,14 @@ bool MakePersonalFilePath(const wchar_t* szFileName, wchar_t* szPath)
         return false;
     }
     wchar_t szName[kStoreNameUnits] = {};
-    FormatPersonalName(szName, szUserName, szDomainName, szFileName);
+    _snwprintf_s(szName, kStoreNameUnits, _TRUNCATE, L"%ls@%ls_%ls", szUserName, szDomainName, pszFileName);
     return MakeClientFilePath(kClientDataDir, kDataDirSize, szName, szPath);
+}
+
+bool MakePersonalFilePath(const wchar_t* szFileName, wchar_t* szPath)
+{
+    const FunctionScope scope("VelUtility::MakePersonalFilePath");
+    return MakePersonalPathInScope(szFileName, szPath);
 }
 
 bool MakeLoggedPersonalPath(const wchar_t* szFileName, wchar_t* szPath)

@@ -28,16 +28,13 @@ void JoinPath(wchar_t* szPath, const wchar_t* pszFolder, const wchar_t* pszFileN
 /// @param szPath [out] kStorePathUnits wide characters; untouched on failure.
 bool MakeClientFilePath(FolderId iFolderId, unsigned __int64 uiSize, const wchar_t* pszName, wchar_t* szPath);
 
-/// Forms "user@domain_name". A step of its caller too.
-/// @param szName [out] kStoreNameUnits wide characters.
-void FormatPersonalName(wchar_t* szName, const wchar_t* pszUserName, const wchar_t* pszDomainName,
-                        const wchar_t* pszFileName);
-
 /// The path of a file of the current user: "user@domain_name" in the client's DataDir.
 /// @param szPath [out] kStorePathUnits wide characters; untouched on failure.
 /// @return whether the path was made.
 bool MakePersonalFilePath(const wchar_t* szFileName, wchar_t* szPath);
-/// The same with a log line for a failure, in the caller's trace scope.
+/// The same as a step of its caller: it runs, and logs, in the caller's trace scope.
+bool MakePersonalPathInScope(const wchar_t* pszFileName, wchar_t* szPath);
+/// MakePersonalFilePath with one more log line for a failure, in the caller's trace scope.
 bool MakeLoggedPersonalPath(const wchar_t* szFileName, wchar_t* szPath);
 
 /// The path of a message file: "user_name" in the client's DataDir, for the user given and not the current one. Like

@@ -61,18 +61,9 @@ DWORD GetDefSetting(DWORD* pdwNoWaterPrint)
 DWORD MakeDefSetting(const DWORD* pdwNoWaterPrint)
 {
     const FunctionScope scope("VelUtility::MakeDefSetting");
-    // Required: the path is made step by step here, so that each failed step has its own line.
-    wchar_t szUserName[kUserNameUnits] = {};
-    wchar_t szDomainName[kDomainNameUnits] = {};
-    if (GetCurrentUsername(szUserName, szDomainName) == 0)
-    {
-        LOG_ERROR("GetCurrentUsername failed.");
-        return PSERR_FAILED;
-    }
-    wchar_t szName[kStoreNameUnits];
-    FormatPersonalName(szName, szUserName, szDomainName, kDefSettingFile);
+    // Required: the path is made in this function's own scope, so that each failed step shows under its name.
     wchar_t szPath[kStorePathUnits];
-    if (!MakeClientFilePath(kClientDataDir, kDataDirSize, szName, szPath))
+    if (!MakePersonalPathInScope(kDefSettingFile, szPath))
     {
         return PSERR_FAILED;
     }
