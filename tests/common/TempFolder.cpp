@@ -1,5 +1,6 @@
 #include "tests/common/TempFolder.h"
 
+#include "tools/velhost/host/Files.h"
 #include "tools/velhost/report/CommandError.h"
 #include "tools/velhost/report/Encoding.h"
 
@@ -11,35 +12,6 @@ namespace
 [[noreturn]] void FailPath(const char* pszWork, const std::wstring& strPath)
 {
     VelHost::ThrowCommandError(std::string("can't ") + pszWork + " " + VelHost::ToUtf8(strPath));
-}
-
-void RemoveTree(const std::wstring& strFolder)
-{
-    WIN32_FIND_DATAW found;
-    const HANDLE hFind = FindFirstFileW((strFolder + L"\\*").c_str(), &found);
-    if (hFind != INVALID_HANDLE_VALUE)
-    {
-        do
-        {
-            const std::wstring strName = found.cFileName;
-            if (strName == L"." || strName == L"..")
-            {
-                continue;
-            }
-            const std::wstring strPath = strFolder + L"\\" + strName;
-            if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
-            {
-                RemoveTree(strPath);
-            }
-            else
-            {
-                SetFileAttributesW(strPath.c_str(), FILE_ATTRIBUTE_NORMAL);
-                DeleteFileW(strPath.c_str());
-            }
-        } while (FindNextFileW(hFind, &found));
-        FindClose(hFind);
-    }
-    RemoveDirectoryW(strFolder.c_str());
 }
 
 } // namespace
@@ -80,7 +52,7 @@ TempFolder::TempFolder(size_t uiPathUnits)
 
 TempFolder::~TempFolder()
 {
-    RemoveTree(m_strRoot);
+    VelHost::DeleteFolderTree(m_strRoot);
 }
 
 std::string ReadFileBytes(const std::wstring& strPath)

@@ -57,6 +57,43 @@ bool IsFolder(const std::wstring& strPath)
     return dwAttributes != INVALID_FILE_ATTRIBUTES && (dwAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
+bool DeleteFolderTree(const std::wstring& strFolder)
+{
+    WIN32_FIND_DATAW found = {};
+    const HANDLE hFind = FindFirstFileW(PathIn(strFolder, L"*").c_str(), &found);
+    if (hFind != INVALID_HANDLE_VALUE)
+    {
+        do
+        {
+            const std::wstring strName = found.cFileName;
+            const std::wstring strPath = PathIn(strFolder, strName);
+            const bool bFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+            const bool bLink = (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+            if (strName == L"." || strName == L"..")
+            {
+                continue;
+            }
+            if (bFolder && !bLink)
+            {
+                DeleteFolderTree(strPath);
+            }
+            else if (bFolder)
+            {
+                RemoveDirectoryW(strPath.c_str());
+            }
+            else
+            {
+                SetFileAttributesW(strPath.c_str(), FILE_ATTRIBUTE_NORMAL);
+                DeleteFileW(strPath.c_str());
+            }
+        } while (FindNextFileW(hFind, &found));
+        FindClose(hFind);
+    }
+    // Whatever could not be deleted keeps the folder, which the caller is told.
+    RemoveDirectoryW(strFolder.c_str());
+    return !IsFolder(strFolder);
+}
+
 FileHandle::FileHandle(const std::wstring& strPath, DWORD dwAccess, DWORD dwShare, DWORD dwCreation) noexcept
     : m_hFile(CreateFileW(strPath.c_str(), dwAccess, dwShare, nullptr, dwCreation, FILE_ATTRIBUTE_NORMAL, nullptr))
 {}

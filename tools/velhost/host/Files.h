@@ -27,6 +27,10 @@ bool IsFile(const std::wstring& strPath);
 /// @return whether a folder is there.
 bool IsFolder(const std::wstring& strPath);
 
+/// Deletes a folder with all that is in it; links are deleted, not followed.
+/// @return whether it is gone.
+bool DeleteFolderTree(const std::wstring& strFolder);
+
 /// An open file; closed at the end of the object's life.
 class FileHandle
 {

@@ -31,8 +31,4 @@ void MakeClientFolders(const std::vector<ClientFolder>& folders, InstallRecord& 
 /// @return whether any value was there.
 bool RemoveClientValues();
 
-/// Deletes a folder with all that is in it; links are deleted, not followed.
-/// @return whether it is gone.
-bool DeleteFolderTree(const std::wstring& strFolder);
-
 } // namespace VelHost
