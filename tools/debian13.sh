@@ -5,7 +5,9 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$PWD/build/debian13
-mirror=${DEBIAN_MIRROR:-http://deb.debian.org/debian}
+# By default the mirror that apt is configured for.
+mirror=${DEBIAN_MIRROR:-$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Label: Debian' | sort -u | head -1)}
+[ -n "$mirror" ] || { echo "apt is configured for no mirror of Debian: name one with DEBIAN_MIRROR" >&2; exit 1; }
 say() { echo "== $*"; }
 
 command -v debootstrap >/dev/null || {
