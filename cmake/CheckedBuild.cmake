@@ -45,9 +45,11 @@ function(velui_checked_program twin)
     target_link_libraries(${twin}_checked PRIVATE ${ARGN})
 endfunction()
 
-# velhost_parts names the plain library, so its objects and its other libraries are named here.
+# velhost_parts names the plain library, so its objects and its other libraries are named here. (Among the objects CMake
+# counts the precompiled header, since the program uses it too.)
+set(velhost_objects $<FILTER:$<TARGET_OBJECTS:velhost_parts>,EXCLUDE,[.]gch$>)
 get_target_property(velhost_libraries velhost_parts INTERFACE_LINK_LIBRARIES)
 list(REMOVE_ITEM velhost_libraries velui_core)
-velui_checked_program(velhost $<TARGET_OBJECTS:velhost_parts> ${velhost_libraries})
+velui_checked_program(velhost ${velhost_objects} ${velhost_libraries})
 add_custom_command(TARGET velhost_checked POST_BUILD
     COMMAND ${CMAKE_COMMAND} -E copy_directory ${CMAKE_SOURCE_DIR}/tools/velhost/sample ${checked_folder}/sample VERBATIM)

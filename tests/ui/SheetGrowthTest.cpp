@@ -51,7 +51,7 @@ struct Holdings
 } // namespace
 
 TEST_CASE_METHOD(ClientFixture,
-                 "200 sheets leave no window, no picture and no handle, and of memory their lists of papers",
+                 "60 sheets leave no window, no picture and no handle, and of memory their lists of papers",
                  "[ui][growth][serial]")
 {
     WriteCaps(PaperKeys(kPapers, kAbleKeys));
@@ -79,7 +79,7 @@ TEST_CASE_METHOD(ClientFixture,
     }
     const Holdings before;
     const ModuleLedger ledger(module.handle);
-    for (int i = 0; i < 200; ++i)
+    for (int i = 0; i < 60; ++i)
     {
         showOne(i % 2 == 0 ? PSBTN_OK : PSBTN_CANCEL);
     }
@@ -89,8 +89,8 @@ TEST_CASE_METHOD(ClientFixture,
     // The third page's picture is given back each time, and no other was loaded that could be lost. (The platform keeps
     // device contexts for windows to come, as many as it happens to need at once, so all objects together tell
     // nothing.)
-    CHECK(ledger.BitmapsDeleted() == 200);
+    CHECK(ledger.BitmapsDeleted() == 60);
     CHECK(ledger.PicturesLoaded() == 0);
-    CHECK(ledger.Blocks() == 200);
-    CHECK(ledger.Bytes() == 200 * (kPapers.size() + 1) * sizeof(stuPaperInfo));
+    CHECK(ledger.Blocks() == 60);
+    CHECK(ledger.Bytes() == 60 * (kPapers.size() + 1) * sizeof(stuPaperInfo));
 }
