@@ -11,6 +11,15 @@
 # A session shows its windows under an Xvfb of its own, so that they come and go on nobody's desktop. VELUI_SHOW=1 shows
 # them on the display that DISPLAY names, if there is one.
 # VELUI_WINEPREFIX names another prefix. VELUI_LOCALE=zh_CN.UTF-8 gives code page 936; the default is 1252.
+
+# Programs start at addresses that do not vary. Linux puts a program's heap anywhere in the gigabyte behind it, and once in
+# a thousand starts that is the page at 0x7ffe0000 that Wine must have: the program then ends before its first line
+# ("failed to map the shared user data"). Where the kernel refuses this, such starts are lost as often as that.
+if [ -z "${VELUI_FIXED_ADDRESSES:-}" ]; then
+    export VELUI_FIXED_ADDRESSES=1
+    setarch -R true 2>/dev/null && exec setarch -R "$0" "$@"
+fi
+
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=$root/build
 mkdir -p "$build/home"
@@ -105,7 +114,7 @@ output=$(mktemp "$build/output.XXXXXX")
 wine "$@" >"$output" 2>"$output.err"
 status=$?
 if [ "$status" != 0 ] && [ ! -s "$output" ] && [ ! -s "$output.err" ]; then
-    # Every program here says something before it ends. Once in some thousands of starts Wine itself ends first.
+    # Every program here says something before it ends: this start was lost (see the top).
     echo "wine.sh: $1 ended with $status and no word; starting it once more" >&2
     # Counted in a run of the tests, which shows the number at its end.
     [ -z "${VELUI_REPEATS:-}" ] || echo "$1 ended with $status and no word" >>"${VELUI_REPEATS#Z:}"
