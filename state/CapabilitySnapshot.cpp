@@ -181,16 +181,12 @@ DWORD AnswerFromFile(const CapRow& row, const wchar_t* pszFile, void* pvOutput, 
     return std::visit(CapReader(pszFile, pvOutput, dwFirst, dwRoom), row.form);
 }
 
-DWORD AnswerLocked(WORD iDevCap, void* pvOutput, DWORD dwRoom)
+/// Answers one capability under the file's lock.
+DWORD AnswerLocked(WORD iDevCap, const wchar_t* pszFile, void* pvOutput, DWORD dwRoom)
 {
-    wchar_t szPath[kStorePathUnits];
-    if (!MakeConfigFilePath(szPath))
-    {
-        return kNoAnswer;
-    }
-    const CScopeFileLock lock(szPath);
+    const CScopeFileLock lock(pszFile);
     const CapRow* const pRow = FindCapRow(iDevCap);
-    return pRow != nullptr ? AnswerFromFile(*pRow, szPath, pvOutput, dwRoom) : kNoAnswer;
+    return pRow != nullptr ? AnswerFromFile(*pRow, pszFile, pvOutput, dwRoom) : kNoAnswer;
 }
 
 } // namespace
@@ -232,7 +228,12 @@ DWORD GetComputerCaps(WORD iDevCap, void* pvOutput, DWORD dwRoom)
 {
     const FunctionScope scope("VelUtility::GetComputerCaps");
     LOG_IF(IsDebugEnabled(), LogDebug("GetComputerCaps(%d)", iDevCap));
-    const DWORD dwResult = AnswerLocked(iDevCap, pvOutput, dwRoom);
+    wchar_t szPath[kStorePathUnits];
+    if (!MakeConfigFilePath(szPath))
+    {
+        return kNoAnswer; // Required: without the line below, which tells what a file has answered
+    }
+    const DWORD dwResult = AnswerLocked(iDevCap, szPath, pvOutput, dwRoom);
     LOG_DEBUG("GetComputerCaps returns %u", static_cast<unsigned>(dwResult));
     return dwResult;
 }
