@@ -17,16 +17,8 @@ namespace VelUtility
 namespace
 {
 
-/// Buffer for a text of section Printer, in wide characters: 255 and a terminator.
-constexpr size_t kTextUnits = 256;
-
-/// A text of section Printer, in the order of writing.
-struct PrinterTextRow
-{
-    const wchar_t* pszKey;
-    std::wstring PrinterInfo::*pText;
-};
-constexpr PrinterTextRow kPrinterTexts[] = {
+/// The texts of section Printer, in the order of writing.
+constexpr TextRow<PrinterInfo> kPrinterTexts[] = {
     {L"PrinterName", &PrinterInfo::PrinterName},
     {L"Location", &PrinterInfo::Location},
     {L"Description", &PrinterInfo::Description},
@@ -158,7 +150,7 @@ private:
 
 bool WritePrinter(const PrinterInfo& info, const wchar_t* pszFile)
 {
-    return std::all_of(std::begin(kPrinterTexts), std::end(kPrinterTexts), [&](const PrinterTextRow& row) {
+    return std::all_of(std::begin(kPrinterTexts), std::end(kPrinterTexts), [&](const TextRow<PrinterInfo>& row) {
         return LOGGED_WRITE(WritePrivateProfileStringW, kPrinterSection, row.pszKey, (info.*row.pText).c_str(),
                             pszFile);
     });
@@ -217,10 +209,7 @@ DWORD GetPrinterInfo(PrinterInfo* pstuInfo)
         return PSERR_FAILED;
     }
     const CScopeFileLock lock(szPath);
-    for (const PrinterTextRow& row : kPrinterTexts)
-    {
-        pstuInfo->*row.pText = ReadProfileText<kTextUnits>(kPrinterSection, row.pszKey, szPath);
-    }
+    ReadTexts(kPrinterSection, kPrinterTexts, *pstuInfo, szPath);
     return PSERR_OK;
 }
 
