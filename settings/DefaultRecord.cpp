@@ -58,13 +58,13 @@ int SubSetDevMode(stuDrvDevmode* stuDefDev)
 short SubSetDefPaperSize()
 {
     const FunctionScope scope("SubSetDefPaperSize");
-    const DWORD dwCount = VelUtility::GetComputerCaps(DC_PAPERS, nullptr);
-    if (dwCount == VelUtility::kNoAnswer || dwCount == 0)
+    const DWORD dwListed = VelUtility::GetComputerCaps(DC_PAPERS, nullptr);
+    if (dwListed == VelUtility::kNoAnswer || dwListed == 0)
     {
         return DMPAPER_A4;
     }
-    const MallocPtr<WORD[]> pPapers(dwCount <= kMostPapers ? static_cast<WORD*>(std::malloc(sizeof(WORD) * dwCount))
-                                                           : nullptr);
+    const DWORD dwCount = std::min(dwListed, kMostPapers);
+    const MallocPtr<WORD[]> pPapers(static_cast<WORD*>(std::malloc(sizeof(WORD) * dwCount)));
     if (!pPapers || VelUtility::GetComputerCaps(DC_PAPERS, pPapers.get(), dwCount) == VelUtility::kNoAnswer)
     {
         return DMPAPER_A4;

@@ -36,7 +36,7 @@ void CopyName(wchar_t* pszTo, const wchar_t* pszFrom)
 DWORD CountPapers()
 {
     const DWORD dwCount = VelUtility::GetComputerCaps(DC_PAPERS, nullptr);
-    return dwCount == VelUtility::kNoAnswer ? 0 : dwCount;
+    return dwCount == VelUtility::kNoAnswer ? 0 : std::min(dwCount, kMostPapers);
 }
 
 /// Fills the list of dwCount configured papers and the custom one. @return whether there was memory for it.

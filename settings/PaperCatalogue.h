@@ -9,8 +9,8 @@
 ///                      papers and one entry more, which takes the custom paper (256, size 0 by 0).
 /// @param dwRoom        configured papers that the buffer can take. A snapshot that has grown since it was counted is
 ///                      cut to it.
-/// @return the number of configured papers: one less than the entries written. 0 without a snapshot. 0xFFFFFFFF when
-///         there is no memory for the work; the list is then untouched.
+/// @return the number of configured papers, kMostPapers at most: one less than the entries written. 0 without a
+///         snapshot. 0xFFFFFFFF when there is no memory for the work; the list is then untouched.
 DWORD GetPaperInfoList(stuPaperInfo* pstuPaperInfo, DWORD dwRoom = VelUtility::kNoAnswer);
 
 /// Finds a paper by its number; sizes play no part.

@@ -9,8 +9,10 @@
 /// Wide characters of a paper's name, the terminator included.
 inline constexpr size_t kPaperNameUnits = 64;
 
-/// The most papers that a list is made of: their numbers have 16 bits. A snapshot that claims more is damaged, and its
-/// list counts as one that there is no memory for.
+/// The most papers that a list is made of; what a snapshot claims beyond them is cut off.
+/// Required: a bound although none is asked for. Whoever may write the snapshot could otherwise let each sheet and each
+/// default record of every user wait for hours, and take gigabytes in each process, with a file of two lines
+/// (docs/security.md has what was measured). Paper numbers have 16 bits: a longer list can only repeat them.
 inline constexpr DWORD kMostPapers = 65536;
 
 /// A catalogue entry; 140 bytes.

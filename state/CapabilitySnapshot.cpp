@@ -17,16 +17,8 @@ namespace VelUtility
 namespace
 {
 
-/// Buffer for a text of section Printer, in wide characters: 255 and a terminator.
-constexpr size_t kTextUnits = 256;
-
-/// A text of section Printer, in the order of writing.
-struct PrinterTextRow
-{
-    const wchar_t* pszKey;
-    std::wstring PrinterInfo::*pText;
-};
-constexpr PrinterTextRow kPrinterTexts[] = {
+/// The texts of section Printer, in the order of writing.
+constexpr TextRow<PrinterInfo> kPrinterTexts[] = {
     {L"PrinterName", &PrinterInfo::PrinterName},
     {L"Location", &PrinterInfo::Location},
     {L"Description", &PrinterInfo::Description},
@@ -158,7 +150,7 @@ private:
 
 bool WritePrinter(const PrinterInfo& info, const wchar_t* pszFile)
 {
-    return std::all_of(std::begin(kPrinterTexts), std::end(kPrinterTexts), [&](const PrinterTextRow& row) {
+    return std::all_of(std::begin(kPrinterTexts), std::end(kPrinterTexts), [&](const TextRow<PrinterInfo>& row) {
         return LOGGED_WRITE(WritePrivateProfileStringW, kPrinterSection, row.pszKey, (info.*row.pText).c_str(),
                             pszFile);
     });
@@ -181,16 +173,12 @@ DWORD AnswerFromFile(const CapRow& row, const wchar_t* pszFile, void* pvOutput, 
     return std::visit(CapReader(pszFile, pvOutput, dwFirst, dwRoom), row.form);
 }
 
-DWORD AnswerLocked(WORD iDevCap, void* pvOutput, DWORD dwRoom)
+/// Answers one capability under the file's lock.
+DWORD AnswerLocked(WORD iDevCap, const wchar_t* pszFile, void* pvOutput, DWORD dwRoom)
 {
-    wchar_t szPath[kStorePathUnits];
-    if (!MakeConfigFilePath(szPath))
-    {
-        return kNoAnswer;
-    }
-    const CScopeFileLock lock(szPath);
+    const CScopeFileLock lock(pszFile);
     const CapRow* const pRow = FindCapRow(iDevCap);
-    return pRow != nullptr ? AnswerFromFile(*pRow, szPath, pvOutput, dwRoom) : kNoAnswer;
+    return pRow != nullptr ? AnswerFromFile(*pRow, pszFile, pvOutput, dwRoom) : kNoAnswer;
 }
 
 } // namespace
@@ -221,10 +209,7 @@ DWORD GetPrinterInfo(PrinterInfo* pstuInfo)
         return PSERR_FAILED;
     }
     const CScopeFileLock lock(szPath);
-    for (const PrinterTextRow& row : kPrinterTexts)
-    {
-        pstuInfo->*row.pText = ReadProfileText<kTextUnits>(kPrinterSection, row.pszKey, szPath);
-    }
+    ReadTexts(kPrinterSection, kPrinterTexts, *pstuInfo, szPath);
     return PSERR_OK;
 }
 
@@ -232,7 +217,12 @@ DWORD GetComputerCaps(WORD iDevCap, void* pvOutput, DWORD dwRoom)
 {
     const FunctionScope scope("VelUtility::GetComputerCaps");
     LOG_IF(IsDebugEnabled(), LogDebug("GetComputerCaps(%d)", iDevCap));
-    const DWORD dwResult = AnswerLocked(iDevCap, pvOutput, dwRoom);
+    wchar_t szPath[kStorePathUnits];
+    if (!MakeConfigFilePath(szPath))
+    {
+        return kNoAnswer; // Required: without the line below, which tells what a file has answered
+    }
+    const DWORD dwResult = AnswerLocked(iDevCap, szPath, pvOutput, dwRoom);
     LOG_DEBUG("GetComputerCaps returns %u", static_cast<unsigned>(dwResult));
     return dwResult;
 }

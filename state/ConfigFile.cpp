@@ -21,9 +21,6 @@ namespace
 constexpr wchar_t kSettingSection[] = L"Setting";
 constexpr wchar_t kServerSection[] = L"ServerConfig";
 
-/// Buffer for a text of Config.ini, in wide characters: 255 and a terminator.
-constexpr size_t kTextUnits = 256;
-
 /// One flag of a record: its key, its place and its default.
 template <typename Record>
 struct FlagRow
@@ -71,14 +68,7 @@ void ReadFlags(const wchar_t* pszSection, const FlagRow<Record> (&rows)[uiRows],
     }
 }
 
-/// A text of section Setting: its key and its place.
-struct TextRow
-{
-    const wchar_t* pszKey;
-    std::wstring ClientSetting::*pText;
-};
-
-constexpr TextRow kSettingTexts[] = {
+constexpr TextRow<ClientSetting> kSettingTexts[] = {
     {L"DefaultPrinter", &ClientSetting::DefaultPrinter},
     {L"DefaultProject", &ClientSetting::DefaultProject},
 };
@@ -86,7 +76,7 @@ constexpr TextRow kSettingTexts[] = {
 /// Writes the texts of section Setting; a failure has words of its own.
 bool WriteTexts(const ClientSetting& setting, const wchar_t* pszFile)
 {
-    for (const TextRow& row : kSettingTexts)
+    for (const TextRow<ClientSetting>& row : kSettingTexts)
     {
         if (WritePrivateProfileStringW(kSettingSection, row.pszKey, (setting.*row.pText).c_str(), pszFile) == 0)
         {
@@ -122,10 +112,7 @@ DWORD ReadClientSetting(ClientSetting* pstuSetting)
     }
     const CScopeFileLock lock(szPath);
     ReadFlags(kSettingSection, kSettingFlags, *pstuSetting, szPath);
-    for (const TextRow& row : kSettingTexts)
-    {
-        pstuSetting->*row.pText = ReadProfileText<kTextUnits>(kSettingSection, row.pszKey, szPath);
-    }
+    ReadTexts(kSettingSection, kSettingTexts, *pstuSetting, szPath);
     return PSERR_OK;
 }
 

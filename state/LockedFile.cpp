@@ -38,10 +38,17 @@ DWORD WriteItems(const wchar_t* pszPath, const wchar_t* pszMode, const void* pDa
     // Required: of a length of 0 nothing is written, which counts as a failure too, although the file is then empty as
     // was asked: 1 tells that nothing is stored.
     const size_t uiWritten = std::fwrite(pData, cbItem, uiItems, stream.Get());
-    if (uiWritten == 0 || uiWritten != uiItems || (flush == Flush::UnderLock && std::fflush(stream.Get()) != 0))
+    if (uiWritten == 0 || uiWritten != uiItems)
     {
         LOG_ERROR("fwrite failed. err = %s", std::strerror(errno));
         return PSERR_FAILED;
+    }
+    // Required: a failed flush is a success with a line, as a failed close is a success for every other file here. The
+    // bytes may be in the file, in part or whole, and the close tries for the rest: a caller that were told of a
+    // failure would repeat the write, and store them twice.
+    if (flush == Flush::UnderLock && std::fflush(stream.Get()) != 0)
+    {
+        LOG_ERROR("fflush failed. err = %s", std::strerror(errno));
     }
     return PSERR_OK;
 }

@@ -22,7 +22,8 @@ enum class Flush
     UnderLock, ///< before the lock is given back
 };
 
-/// Opens a file and writes items under its lock; any count but the whole one is a failure, and so is a count of 0.
+/// Opens a file and writes items under its lock; any count but the whole one is a failure, and so is a count of 0. A
+/// flush that fails is none: its line alone tells.
 /// @param pData borrowed; uiItems items of cbItem bytes each.
 /// @return 0, or 1 with a line in the log.
 DWORD WriteItems(const wchar_t* pszPath, const wchar_t* pszMode, const void* pData, size_t cbItem, size_t uiItems,

@@ -111,8 +111,9 @@ DWORD AppendUserMessageFile(std::wstring strUser, const BYTE* pbyData, DWORD dwD
 {
     const FunctionScope scope("VelUtility::AppendUserMessageFile");
     wchar_t szPath[kStorePathUnits];
-    // Under the lock: two appends that wrote their bytes at their close, outside the lock, would find the same end of
-    // the file, and one message would be lost.
+    // Required: of all writers this one alone flushes, under the lock. Two appends that wrote their bytes at their
+    // close, behind the lock, would find the same end of the file, and one message would be lost: four writers at once
+    // lost some in every run.
     return MakeMessagePath(kMessageFile, strUser, kPersonalWords, szPath)
                ? WriteItems(szPath, L"ab", pbyData, dwDataLen, 1, Flush::UnderLock)
                : PSERR_FAILED;

@@ -29,6 +29,8 @@ DWORD GetUserMessageDays(std::wstring strUser, int* piDays);
 
 /// Adds bytes at the end of a user's Message.dat, with nothing between them and what is there.
 /// @param pbyData dwDataLen bytes; borrowed.
+/// @return 0 also when the C runtime took the bytes and could not bring them to the file at once: a line in the log
+///         tells. So whoever repeats after a 1 stores no message twice.
 DWORD AppendUserMessageFile(std::wstring strUser, const BYTE* pbyData, DWORD dwDataLen);
 
 /// Tells the path of a user's Message.dat; touches no file.

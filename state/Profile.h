@@ -51,6 +51,24 @@ std::wstring ReadProfileText(const wchar_t* pszSection, const wchar_t* pszKey, c
     return szText;
 }
 
+/// One text of a record in Config.ini: its key and its place in the record.
+template <typename Record>
+struct TextRow
+{
+    const wchar_t* pszKey;
+    std::wstring Record::*pText;
+};
+
+/// Reads a record's texts in the order of their rows, each of at most 255 characters; an absent one is empty.
+template <typename Record, size_t uiRows>
+void ReadTexts(const wchar_t* pszSection, const TextRow<Record> (&rows)[uiRows], Record& record, const wchar_t* pszFile)
+{
+    for (const TextRow<Record>& row : rows)
+    {
+        record.*row.pText = ReadProfileText<256>(pszSection, row.pszKey, pszFile);
+    }
+}
+
 // The writers. Each takes section, key and file as wide text, the file as a full path, and returns non-zero for success
 // and zero for failure. An array takes one key for each element: the base name and the element's index from zero. An
 // array writer stops at the first failed write; the keys already written stay.

@@ -123,7 +123,7 @@ bool MakePaperList(stuPassData* pstuPassData)
     const DWORD dwPapers = GetPaperInfoList(nullptr); // 0 without a snapshot
     const size_t uiEntries = size_t{dwPapers} + 1;
     // Required: nobody ever frees the list of a sheet; a page that outlives DESTROY may still read it.
-    pstuPassData->pstuPaperInfo = dwPapers <= kMostPapers ? AllocateZeroed<stuPaperInfo>(uiEntries) : nullptr;
+    pstuPassData->pstuPaperInfo = AllocateZeroed<stuPaperInfo>(uiEntries);
     if (pstuPassData->pstuPaperInfo == nullptr)
     {
         LOG_ERROR("malloc failed. size = %u", static_cast<unsigned>(uiEntries * sizeof(stuPaperInfo)));

@@ -1,6 +1,7 @@
 #include "settings/PaperCatalogue.h"
 
 #include "diag/FunctionTrace.h"
+#include "settings/DefaultRecord.h"
 #include "tests/common/ChildCase.h"
 #include "tests/common/GuardedBuffer.h"
 #include "tests/common/ImportHook.h"
@@ -52,6 +53,35 @@ void NotedFree(void* pBlock)
     static auto* const pfnFree =
         reinterpret_cast<Free*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt"), "free")));
     pfnFree(pBlock);
+}
+
+// A snapshot that claims papers without end, as quick to read as no file is. Paper i has number i, cut to 16 bits, a
+// name of its own, and no size.
+UINT s_uiClaimed = 0;
+DWORD s_dwNamesRead = 0;
+
+UINT WINAPI ClaimNumber(LPCWSTR, LPCWSTR pszKey, INT, LPCWSTR)
+{
+    const std::wstring strKey = pszKey;
+    if (strKey == L"PapersCount" || strKey == L"PaperNamesCount")
+    {
+        return s_uiClaimed;
+    }
+    return strKey.compare(0, 6, L"Papers") == 0 ? static_cast<WORD>(_wtoi(pszKey + 6)) : VelUtility::kNoAnswer;
+}
+
+DWORD WINAPI ClaimText(LPCWSTR, LPCWSTR, LPCWSTR, LPWSTR szText, DWORD, LPCWSTR)
+{
+    ++s_dwNamesRead;
+    szText[0] = L'n';
+    return 1;
+}
+
+/// Paper 9, which is A4, stands behind the 65,536th and nowhere else; all others have number 1.
+UINT WINAPI ClaimLateA4(LPCWSTR, LPCWSTR pszKey, INT, LPCWSTR)
+{
+    const std::wstring strKey = pszKey;
+    return strKey == L"PapersCount" ? s_uiClaimed : strKey == L"Papers" + std::to_wstring(s_uiClaimed - 1) ? 9 : 1;
 }
 
 } // namespace
@@ -149,6 +179,42 @@ TEST_CASE_METHOD(SheetDataFixture, "a snapshot that has grown since it was count
     CHECK(std::wstring(room.As<stuPaperInfo>()[1].aszPaperName) == L"A3");
     CHECK(room.As<stuPaperInfo>()[2].wPaper == 256);
     CHECK(room.Intact());
+}
+
+TEST_CASE_METHOD(SheetDataFixture, "a list is made of 65,536 papers at most, and no more names are read than those",
+                 "[settings][papers]")
+{
+    const UINT uiClaimed = GENERATE(65535u, 65536u, 65537u, 4294967294u);
+    const DWORD dwExpected = uiClaimed == 65535 ? 65535 : 65536;
+    CAPTURE(uiClaimed);
+    std::vector<stuPaperInfo> entries(65538);
+    memset(&entries.back(), 0xEE, sizeof(stuPaperInfo));
+    DWORD dwCounted = 0;
+    DWORD dwFilled = 0;
+    {
+        const ImportHook numbers(nullptr, "GetPrivateProfileIntW", &ClaimNumber);
+        const ImportHook texts(nullptr, "GetPrivateProfileStringW", &ClaimText);
+        s_uiClaimed = uiClaimed;
+        s_dwNamesRead = 0;
+        dwCounted = GetPaperInfoList(nullptr);
+        dwFilled = GetPaperInfoList(entries.data());
+    }
+    CHECK(dwCounted == dwExpected);
+    CHECK(dwFilled == dwExpected);
+    CHECK(s_dwNamesRead == dwExpected);
+    CHECK(entries[dwExpected - 1].wPaper == dwExpected - 1);
+    CHECK(std::wstring(entries[dwExpected - 1].aszPaperName) == L"n");
+    CHECK(entries[dwExpected].wPaper == 256);
+    CHECK(entries.back().wPaper == 0xEEEE);
+}
+
+TEST_CASE_METHOD(SheetDataFixture, "A4 is looked for among the first 65,536 papers", "[settings][default]")
+{
+    const auto& [uiClaimed, iExpected] = GENERATE(std::pair<UINT, short>{65536u, 9}, std::pair<UINT, short>{65537u, 1});
+    CAPTURE(uiClaimed);
+    const ImportHook numbers(nullptr, "GetPrivateProfileIntW", &ClaimLateA4);
+    s_uiClaimed = uiClaimed;
+    CHECK(SubSetDefPaperSize() == iExpected);
 }
 
 TEST_CASE_METHOD(SheetDataFixture, "a name that fills its field is cut to 63 characters", "[settings][papers]")

@@ -1,6 +1,7 @@
 #include "state/CapabilitySnapshot.h"
 #include "tests/common/ClientFixture.h"
 #include "tests/common/GuardedBuffer.h"
+#include "tests/common/ImportHook.h"
 
 #include <catch2/catch_test_macros.hpp>
 
@@ -14,6 +15,13 @@ namespace
 using Keys = std::vector<std::pair<std::wstring, std::wstring>>;
 
 constexpr DWORD kNone = 0xFFFFFFFF;
+
+int s_iFailing = 0; ///< which block fails to be allocated, counted from 1
+void* (*s_pfnCalloc)(size_t, size_t) = nullptr;
+void* FailOneCalloc(size_t uiCount, size_t uiSize)
+{
+    return --s_iFailing == 0 ? nullptr : s_pfnCalloc(uiCount, uiSize);
+}
 
 /// The text of a name's entry: at most uiWidth units.
 std::wstring EntryText(const wchar_t* pszEntry, size_t uiWidth)
@@ -251,12 +259,69 @@ TEST_CASE_METHOD(ClientFixture, "nothing of the snapshot is cached", "[state][ca
     CHECK(GetComputerCaps(DC_COPIES, nullptr) == 99);
 }
 
-TEST_CASE_METHOD(ClientFixture, "a count for which there is no memory ends in a refusal", "[state][caps]")
+TEST_CASE_METHOD(ClientFixture, "a short name behind a long one has nothing of it behind its terminator",
+                 "[state][caps]")
 {
-    // No caller has room for such a list: the buffer must not be touched before the first key is missed.
-    WriteCaps({{L"PaperSizeCount", L"4294967294"}, {L"MediaTypesCount", L"4294967294"}});
+    WriteCaps({{L"PaperNamesCount", L"3"},
+               {L"PaperNames0", std::wstring(61, L'l')},
+               {L"PaperNames1", L"A4"},
+               {L"PaperNames2", L""},
+               {L"BinNamesCount", L"2"},
+               {L"BinNames0", std::wstring(21, L'l')},
+               {L"BinNames1", L"b"}});
+    const GuardedBuffer papers(3 * 64 * sizeof(wchar_t), 0xEE);
+    CHECK(GetComputerCaps(DC_PAPERNAMES, papers.Get()) == 3);
+    CHECK(std::wstring(papers.As<wchar_t>() + 64, 64) == L"A4" + std::wstring(62, L'\0'));
+    CHECK(std::wstring(papers.As<wchar_t>() + 128, 64) == std::wstring(64, L'\0'));
+    const GuardedBuffer bins(2 * 24 * sizeof(wchar_t), 0xEE);
+    CHECK(GetComputerCaps(DC_BINNAMES, bins.Get()) == 2);
+    CHECK(std::wstring(bins.As<wchar_t>() + 24, 24) == L"b" + std::wstring(23, L'\0'));
+}
+
+TEST_CASE_METHOD(ClientFixture, "a list that is whole in the file is refused when there is no memory to read it with",
+                 "[state][caps]")
+{
+    WriteCaps({{L"PapersCount", L"1"},
+               {L"Papers0", L"9"},
+               {L"PaperSizeCount", L"1"},
+               {L"PaperSizeX0", L"2100"},
+               {L"PaperSizeY0", L"2970"},
+               {L"PaperNamesCount", L"1"},
+               {L"PaperNames0", L"A4"},
+               {L"MediaTypesCount", L"1"},
+               {L"MediaTypes0", L"1"}});
+    struct Row
+    {
+        WORD iDevCap;
+        int iBlocks; // that the answer needs
+    };
+    for (const Row& row : {Row{DC_PAPERS, 1}, Row{DC_PAPERSIZE, 2}, Row{DC_PAPERNAMES, 1}, Row{DC_MEDIATYPES, 0}})
+    {
+        for (int iFailing = 1; iFailing <= row.iBlocks + 1; ++iFailing)
+        {
+            CAPTURE(row.iDevCap, iFailing);
+            const GuardedBuffer buffer(64 * sizeof(wchar_t), 0xEE);
+            DWORD dwAnswer = 0;
+            {
+                const ImportHook hook(nullptr, "calloc", &FailOneCalloc);
+                s_pfnCalloc = reinterpret_cast<decltype(s_pfnCalloc)>(hook.Original());
+                s_iFailing = iFailing;
+                dwAnswer = GetComputerCaps(row.iDevCap, buffer.Get());
+            }
+            const bool bRefused = iFailing <= row.iBlocks;
+            CHECK(dwAnswer == (bRefused ? kNone : 1));
+            CHECK((buffer.As<DWORD>()[0] == 0xEEEEEEEE) == bRefused);
+        }
+    }
+}
+
+TEST_CASE_METHOD(ClientFixture, "a count that no file holds is read up to the first missing number", "[state][caps]")
+{
+    // Straight into the caller's buffer, of which nothing behind the first entry may be touched.
+    WriteCaps({{L"MediaTypesCount", L"4294967294"}});
     const GuardedBuffer buffer(sizeof(DWORD), 0xEE);
-    CHECK(GetComputerCaps(DC_PAPERSIZE, buffer.Get()) == kNone);
-    CHECK(buffer.As<DWORD>()[0] == 0xEEEEEEEE);
+    CHECK(GetComputerCaps(DC_MEDIATYPES, nullptr) == 4294967294u);
     CHECK(GetComputerCaps(DC_MEDIATYPES, buffer.Get()) == kNone);
+    CHECK(buffer.As<DWORD>()[0] == kNone);
+    CHECK(buffer.Intact());
 }

@@ -1,4 +1,6 @@
 #include "state/CurrentUser.h"
+#include "tests/common/ImportHook.h"
+#include "tests/common/LogLines.h"
 #include "tests/common/PrivateRegistry.h"
 
 #include <catch2/catch_test_macros.hpp>
@@ -32,6 +34,36 @@ struct WinlogonFixture
     }
 };
 
+std::wstring s_strKey;
+LSTATUS WINAPI NoteKey(HKEY, LPCWSTR pszKey, DWORD, REGSAM, PHKEY)
+{
+    s_strKey = pszKey;
+    return ERROR_ACCESS_DENIED;
+}
+
+int s_iFailingRead = 0; ///< which read of a value fails, counted from 1
+decltype(&RegQueryValueExW) s_pfnQuery = nullptr;
+LSTATUS WINAPI FailOneRead(HKEY hKey, LPCWSTR pszValue, LPDWORD pReserved, LPDWORD pdwType, LPBYTE pbyData, LPDWORD pcb)
+{
+    return --s_iFailingRead == 0 ? ERROR_ACCESS_DENIED : s_pfnQuery(hKey, pszValue, pReserved, pdwType, pbyData, pcb);
+}
+
+BOOL WINAPI FailComputerName(LPWSTR, LPDWORD)
+{
+    return FALSE;
+}
+
+/// What the reader of the logon key leaves between its START and End, having found no user.
+std::vector<std::string> LinesOfFailure()
+{
+    UserBuffers who;
+    const LoggingOn logging{"OutputFunBeginInfo"};
+    CHECK(GetCurrentUsername_Registry(who.szUser, who.szDomain) == 0);
+    const auto own = OwnLines(logging, "VelUtility::GetCurrentUsername_Registry");
+    REQUIRE(own.size() >= 2);
+    return {own.begin() + 1, own.end() - 1};
+}
+
 std::wstring ComputerName()
 {
     wchar_t szName[64] = {};
@@ -42,8 +74,7 @@ std::wstring ComputerName()
 
 } // namespace
 
-TEST_CASE_METHOD(WinlogonFixture, "the current user comes from the logon key, named with doubled separators",
-                 "[state][user]")
+TEST_CASE_METHOD(WinlogonFixture, "the current user comes from the logon key", "[state][user]")
 {
     Set(L"mei", L"OFFICE-DOMAIN-X");
     CHECK(GetCurrentUsername(who.szUser, who.szDomain) == 1);
@@ -156,4 +187,37 @@ TEST_CASE_METHOD(WinlogonFixture, "a user value stored without a terminator or w
     CHECK(GetCurrentUsername(who.szUser, who.szDomain) == 1);
     CHECK(who.User().substr(0, 3) == L"mei");
     CHECK(who.User().size() <= 4);
+}
+
+TEST_CASE_METHOD(WinlogonFixture, "the logon key is named with doubled separators", "[state][user]")
+{
+    const ImportHook hook(nullptr, "RegOpenKeyExW", &NoteKey);
+    s_strKey.clear();
+    CHECK(GetCurrentUsername_Registry(who.szUser, who.szDomain) == 0);
+    CHECK(s_strKey == LR"(SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Winlogon)");
+}
+
+TEST_CASE_METHOD(WinlogonFixture, "each read of the logon key that fails leaves a line of its own",
+                 "[state][user][log]")
+{
+    Set(L"mei", L"OFFICE");
+    const char* const words[] = {"RegQueryValueExW_Username returns 5", "lRet = 5",
+                                 "RegQueryValueExW_DomainName returns 5", "lRet = 5"};
+    const ImportHook hook(nullptr, "RegQueryValueExW", &FailOneRead);
+    s_pfnQuery = reinterpret_cast<decltype(s_pfnQuery)>(hook.Original());
+    for (int iRead = 1; iRead <= 4; ++iRead)
+    {
+        CAPTURE(iRead);
+        s_iFailingRead = iRead;
+        CHECK(LinesOfFailure() ==
+              std::vector<std::string>{std::string("ERROR - .\\ClientInfo(#) : ") + words[iRead - 1]});
+    }
+    s_iFailingRead = 0;
+}
+
+TEST_CASE_METHOD(WinlogonFixture, "a computer's name that can't be had leaves a line", "[state][user][log]")
+{
+    Set(L"mei", L"OFFICE");
+    const ImportHook hook(nullptr, "GetComputerNameW", &FailComputerName);
+    CHECK(LinesOfFailure() == std::vector<std::string>{"ERROR - .\\ClientInfo(#) : GetComputerNameW failed."});
 }

@@ -128,3 +128,29 @@ TEST_CASE("an exception that leaves the scope gives the lock back", "[state][loc
     CHECK_FALSE(ReleaseMutex(hMutex));
     CloseHandle(hMutex);
 }
+
+TEST_CASE("a path of 259 characters has a lock, longer ones have none, and so none in common", "[state][locks]")
+{
+    const auto path = [](size_t uiLength, wchar_t cEnd) { return L"C:\\" + std::wstring(uiLength - 4, L'x') + cEnd; };
+    {
+        CFileLocker longest(path(259, L'a').c_str());
+        CFileLocker other(path(259, L'b').c_str());
+        CHECK(longest.bFailed == 0);
+        CHECK(longest.Lock(0) == 1);
+        CHECK(other.Lock(0) == 1);
+        CHECK(MutexExists(MutexNameOf(path(259, L'a')).c_str())); // told apart by the last character
+        CHECK(MutexExists(MutexNameOf(path(259, L'b')).c_str()));
+        CHECK(longest.Unlock() != 0);
+        CHECK(other.Unlock() != 0);
+    }
+    for (const size_t uiLength : {260u, 261u})
+    {
+        CAPTURE(uiLength);
+        CFileLocker locker(path(uiLength, L'a').c_str());
+        CHECK(locker.bFailed == 1);
+        CHECK(locker.pMutex == nullptr);
+        CHECK(locker.Lock(0) == 0);
+        CHECK_FALSE(MutexExists(MutexNameOf(path(uiLength, L'a')).c_str()));
+        CHECK_FALSE(MutexExists(MutexNameOf(path(259, L'x')).c_str())); // nor one of its beginning
+    }
+}

@@ -44,6 +44,21 @@ int WSAAPI FailName(char*, int)
     WSASetLastError(WSAENETDOWN);
     return SOCKET_ERROR;
 }
+WORD s_wVersion = 0;
+decltype(&WSAStartup) s_pfnStartup = nullptr;
+int WSAAPI NoteVersion(WORD wVersion, LPWSADATA pData)
+{
+    s_wVersion = wVersion;
+    return s_pfnStartup(wVersion, pData);
+}
+const wchar_t* s_pszBuffer = nullptr; ///< the caller's, looked at while the address is asked for
+std::wstring s_strBuffer;
+hostent* WSAAPI LookAtBuffer(const char*)
+{
+    s_strBuffer = s_pszBuffer;
+    WSASetLastError(WSAHOST_NOT_FOUND);
+    return nullptr;
+}
 hostent* WSAAPI FailHost(const char*)
 {
     WSASetLastError(WSAHOST_NOT_FOUND);
@@ -60,6 +75,13 @@ hostent* WSAAPI GiveHost(const char*)
     return &s_hostEntry;
 }
 
+constexpr size_t kAdapterBytes = 2 * sizeof(IP_ADAPTER_INFO);
+void* (*s_pfnMalloc)(size_t) = nullptr;
+void* FailAdaptersMalloc(size_t cbSize)
+{
+    return cbSize == kAdapterBytes ? nullptr : s_pfnMalloc(cbSize);
+}
+
 DWORD s_dwSizeAnswer = ERROR_BUFFER_OVERFLOW;
 DWORD s_dwFillAnswer = ERROR_SUCCESS;
 UINT s_addressLengths[2] = {8, 6};
@@ -67,7 +89,7 @@ ULONG WINAPI GiveAdapters(PIP_ADAPTER_INFO pAdapters, PULONG pcb)
 {
     if (pAdapters == nullptr)
     {
-        *pcb = 2 * sizeof(IP_ADAPTER_INFO);
+        *pcb = kAdapterBytes;
         return s_dwSizeAnswer;
     }
     for (int i = 0; i < 2 && s_dwFillAnswer == ERROR_SUCCESS; ++i)
@@ -253,6 +275,71 @@ TEST_CASE("the host's name survives a failed search for a hardware address", "[s
     BYTE abyMac[6] = {};
     CHECK(GetLocalMachineInfo(szName, 64, abyMac, nullptr) == 1);
     CHECK(std::wstring(szName) == _wgetenv(L"COMPUTERNAME"));
+}
+
+TEST_CASE("sockets of version 1.1 are asked for, and each call leaves one reference on the library", "[state][machine]")
+{
+    while (WSACleanup() == 0) // what others have left
+    {}
+    REQUIRE(WSAGetLastError() == WSANOTINITIALISED);
+    const ImportHook hook(nullptr, "WSAStartup", &NoteVersion);
+    s_pfnStartup = reinterpret_cast<decltype(s_pfnStartup)>(hook.Original());
+    s_wVersion = 0;
+    wchar_t szName[kHostNameUnits] = {};
+    std::list<DWORD> addresses;
+    CHECK(GetHost(szName, 255, addresses));
+    CHECK(s_wVersion == 0x0101);
+    CHECK(GetHost(szName, 255, addresses));
+    CHECK(WSACleanup() == 0);
+    CHECK(WSACleanup() == 0);
+    CHECK(WSACleanup() == SOCKET_ERROR); // both references are gone
+}
+
+TEST_CASE("the caller's buffer holds the name before the address is asked for, and keeps it when there is none",
+          "[state][machine]")
+{
+    const ComputerName name(L" OFFICE ");
+    const ImportHook hook(nullptr, "gethostbyname", &LookAtBuffer);
+    wchar_t szName[kHostNameUnits] = L"before";
+    std::list<DWORD> addresses;
+    s_pszBuffer = szName;
+    s_strBuffer.clear();
+    CHECK_FALSE(GetHost(szName, 255, addresses));
+    CHECK(s_strBuffer == L" OFFICE ");
+    CHECK(std::wstring(szName) == L" OFFICE "); // stripped by who asked for it
+    CHECK(addresses.empty());
+}
+
+TEST_CASE("all that the C runtime counts as white space is cut from both ends of the name, and nothing inside it",
+          "[state][machine]")
+{
+    for (const wchar_t cBlank : {L' ', L'\t', L'\n', L'\v', L'\f', L'\r', L'\u3000'})
+    {
+        CAPTURE(static_cast<int>(cBlank));
+        const std::wstring strBlanks(2, cBlank);
+        const ComputerName name((strBlanks + L"A" + strBlanks + L"_\u200B" + strBlanks).c_str());
+        wchar_t szName[32] = {};
+        CHECK(GetLocalMachineInfo(szName, 32, nullptr, nullptr) == 0);
+        CHECK(std::wstring(szName) == L"A" + strBlanks + L"_\u200B"); // a zero-width space is none
+    }
+}
+
+TEST_CASE("adapters for which there is no memory leave its size and no hardware address", "[state][machine]")
+{
+    const Adapters adapters(6, 6);
+    const LoggingOn logging;
+    BYTE abyMac[6] = {'#'};
+    DWORD dwStatus = 0;
+    {
+        const ImportHook hook(nullptr, "malloc", &FailAdaptersMalloc);
+        s_pfnMalloc = reinterpret_cast<decltype(s_pfnMalloc)>(hook.Original());
+        dwStatus = GetLocalMachineInfo(nullptr, 0, abyMac, nullptr);
+    }
+    CHECK(dwStatus == 1);
+    CHECK(abyMac[0] == '#');
+    CHECK(LinesOf(logging) ==
+          std::vector<std::string>{"ERROR - .\\ClientInfo(#) : malloc failed. size = " + std::to_string(kAdapterBytes),
+                                   "ERROR - .\\ClientInfo(#) : GetMACaddress failed"});
 }
 
 TEST_CASE("the logon user's information is an empty operation", "[state][machine]")

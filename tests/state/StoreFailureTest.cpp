@@ -7,6 +7,8 @@
 #include "state/Profile.h"
 #include "tests/common/ClientFixture.h"
 #include "tests/common/ImportHook.h"
+#include "tests/common/LogLines.h"
+#include "tests/state/FailingKey.h"
 
 #include <catch2/catch_test_macros.hpp>
 
@@ -16,22 +18,6 @@ using namespace VelUtility;
 
 namespace
 {
-
-std::wstring s_strFailingKey;
-
-/// Fails for one key with "disk full", and writes every other.
-BOOL WINAPI WriteAllButOne(LPCWSTR pszSection, LPCWSTR pszKey, LPCWSTR pszValue, LPCWSTR pszFile)
-{
-    if (s_strFailingKey == pszKey)
-    {
-        SetLastError(ERROR_DISK_FULL);
-        return FALSE;
-    }
-    // By its address: a call by name would go through the patched table again.
-    static const auto pfnWrite = reinterpret_cast<decltype(&WritePrivateProfileStringW)>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "WritePrivateProfileStringW")));
-    return pfnWrite(pszSection, pszKey, pszValue, pszFile);
-}
 
 LONG WINAPI DenyKey(HKEY, LPCWSTR, DWORD, REGSAM, PHKEY)
 {
@@ -49,6 +35,21 @@ size_t FailWrite(const void*, size_t, size_t, FILE*)
     return 0;
 }
 
+size_t (*s_pfnWrite)(const void*, size_t, size_t, FILE*);
+
+/// The disk is full behind all items but the last.
+size_t WriteAllButLast(const void* pData, size_t cbItem, size_t uiItems, FILE* pFile)
+{
+    errno = ENOSPC;
+    return s_pfnWrite(pData, cbItem, uiItems - 1, pFile);
+}
+
+int FailFlush(FILE*)
+{
+    errno = ENOSPC;
+    return EOF;
+}
+
 void* FailSmallMalloc(size_t cbSize)
 {
     return cbSize == 220 ? nullptr : std::calloc(1, cbSize);
@@ -58,26 +59,37 @@ void* FailSmallMalloc(size_t cbSize)
 
 TEST_CASE_METHOD(ClientFixture, "a failed write of the fourth element leaves the first three keys", "[state][failures]")
 {
-    const ImportHook hook(nullptr, "WritePrivateProfileStringW", &WriteAllButOne);
     const std::wstring strFile = folder.File(L"p.ini");
     const WORD words[] = {1, 2, 3, 4, 5};
     const WideName names[] = {L"a", L"b", L"c", L"d", L"e"};
     const POINT points[] = {{1, 1}, {2, 2}, {3, 3}, {4, 4}, {5, 5}};
-    s_strFailingKey = L"K3";
-    CHECK(WritePrivateProfileUINTArray(L"U", L"K", words, 5, strFile.c_str()) == 0);
-    CHECK(WritePrivateProfileStringWArray(L"S", L"K", names, 5, strFile.c_str()) == 0);
-    s_strFailingKey = L"Y3";
-    CHECK(WritePrivateProfilePointArray(L"P", L"X", L"Y", points, 5, strFile.c_str()) == 0);
+    const Resolution resolutions[] = {{1, 1}, {2, 2}, {3, 3}, {4, 4}, {5, 5}};
+    {
+        const FailingKey failing(L"K3");
+        CHECK(WritePrivateProfileUINTArray(L"U", L"K", words, 5, strFile.c_str()) == 0);
+        CHECK(WritePrivateProfileStringWArray(L"S", L"K", names, 5, strFile.c_str()) == 0);
+    }
+    {
+        const FailingKey failing(L"Y3");
+        CHECK(WritePrivateProfilePointArray(L"P", L"X", L"Y", points, 5, strFile.c_str()) == 0);
+    }
+    {
+        // Behind the first number of a pair the second is not tried.
+        const FailingKey failing(L"X3");
+        CHECK(WritePrivateProfileResolutoinArray(L"R", L"X", L"Y", resolutions, 5, strFile.c_str()) == 0);
+        CHECK(WritePrivateProfilePointArray(L"Q", L"X", L"Y", points, 5, strFile.c_str()) == 0);
+    }
     CHECK(ReadFileBytes(strFile) == "[U]\r\nK0=1\r\nK1=2\r\nK2=3\r\n"
                                     "[S]\r\nK0=a\r\nK1=b\r\nK2=c\r\n"
-                                    "[P]\r\nX0=1\r\nY0=1\r\nX1=2\r\nY1=2\r\nX2=3\r\nY2=3\r\nX3=4\r\n");
+                                    "[P]\r\nX0=1\r\nY0=1\r\nX1=2\r\nY1=2\r\nX2=3\r\nY2=3\r\nX3=4\r\n"
+                                    "[R]\r\nX0=1\r\nY0=1\r\nX1=2\r\nY1=2\r\nX2=3\r\nY2=3\r\n"
+                                    "[Q]\r\nX0=1\r\nY0=1\r\nX1=2\r\nY1=2\r\nX2=3\r\nY2=3\r\n");
 }
 
 TEST_CASE_METHOD(ClientFixture, "a failed first media type leaves its count in the file and no key behind it",
                  "[state][failures]")
 {
-    const ImportHook hook(nullptr, "WritePrivateProfileStringW", &WriteAllButOne);
-    s_strFailingKey = L"MediaTypes0";
+    const FailingKey failing(L"MediaTypes0");
     const DWORD mediaTypes[] = {1, 2};
     const PrinterInfo info = {L"P", L"L", L"D"};
     PrinterCaps caps = {};
@@ -134,11 +146,49 @@ TEST_CASE_METHOD(ClientFixture, "a full disk leaves a cut logon, the old message
     CHECK(ReadFileBytes(folder.File(L"QPS@VEL_DevMode.dat")).empty());
 }
 
-TEST_CASE_METHOD(ClientFixture, "a device mode without memory to read it into leaves the record", "[state][failures]")
+TEST_CASE_METHOD(ClientFixture, "a device mode without memory to read it into leaves the record and the block's size",
+                 "[state][failures]")
 {
     WriteFileBytes(folder.File(L"QPS@VEL_DevMode.dat"), std::string(220, 'q'));
     DEVMODEW stuDevmode = {};
-    const ImportHook hook(nullptr, "malloc", &FailSmallMalloc);
-    CHECK(GetDevDef(&stuDevmode) == 1);
+    const LoggingOn logging{"OutputFunBeginInfo"};
+    DWORD dwStatus = 0;
+    {
+        const ImportHook hook(nullptr, "malloc", &FailSmallMalloc);
+        dwStatus = GetDevDef(&stuDevmode);
+    }
+    CHECK(dwStatus == 1);
     CHECK(stuDevmode.dmSize == 0);
+    CHECK(OwnLines(logging, "VelUtility::GetDevDef") ==
+          std::vector<std::string>{"VelUI_dll__VelUtility::GetDevDef :START......",
+                                   "ERROR - .\\ClientInfo(#) : malloc failed. size = 220",
+                                   "VelUI_dll__VelUtility::GetDevDef :End  ......"});
+    CHECK_FALSE(logging.Has("CScopeFileLock")); // the lock is not waited for
+}
+
+TEST_CASE_METHOD(ClientFixture, "a user's name of which the last byte does not fit returns 1 and leaves the rest",
+                 "[state][failures]")
+{
+    CHECK(MakeLogonUserName(L"before") == 0);
+    const ImportHook hook(nullptr, "fwrite", &WriteAllButLast);
+    s_pfnWrite = reinterpret_cast<decltype(s_pfnWrite)>(hook.Original());
+    CHECK(MakeLogonUserName(L"ab") == 1);
+    CHECK(ReadFileBytes(folder.File(L"QPS@VEL_passport.dat")) == std::string("a\0b\0\0", 5));
+}
+
+TEST_CASE_METHOD(ClientFixture,
+                 "a caller that repeats an append until it succeeds stores the message once, although "
+                 "the flush fails",
+                 "[state][failures]")
+{
+    const BYTE bytes[] = {'a', 'b', 'c'};
+    CHECK(AppendUserMessageFile(L"lin", bytes, 3) == 0);
+    const ImportHook hook(nullptr, "fflush", &FailFlush);
+    int iTries = 1;
+    while (AppendUserMessageFile(L"lin", bytes, 3) != 0 && iTries < 5)
+    {
+        ++iTries;
+    }
+    CHECK(iTries == 1);
+    CHECK(ReadFileBytes(folder.File(L"lin_Message.dat")) == "abcabc");
 }

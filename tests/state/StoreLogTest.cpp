@@ -142,13 +142,23 @@ TEST_CASE_METHOD(StoreLogFixture, "a query leaves its code and its answer", "[st
     CHECK(logging.Has("DEBUG - GetComputerCaps(18)\n"));
 }
 
-TEST_CASE_METHOD(StoreLogFixture, "a query without a folder leaves the failed step and the refusal", "[state][log]")
+TEST_CASE_METHOD(StoreLogFixture, "a query without a folder leaves the failed step and tells no answer", "[state][log]")
 {
     const PrivateRegistry bare;
+    CHECK(GetComputerCaps(DC_COPIES, nullptr) == 0xFFFFFFFF);
+    CHECK(Inner("GetComputerCaps") ==
+          Lines{"DEBUG - GetComputerCaps(#)", "ERROR - .\\ClientInfo(#) : GetClientFolder failed."});
+}
+
+TEST_CASE_METHOD(StoreLogFixture, "a query tells its answer when the lock is given back", "[state][log]")
+{
+    WriteCaps({{L"Copies", L"5"}});
     GetComputerCaps(DC_COPIES, nullptr);
-    CHECK(Inner("GetComputerCaps") == Lines{"DEBUG - GetComputerCaps(#)",
-                                            "ERROR - .\\ClientInfo(#) : GetClientFolder failed.",
-                                            "DEBUG - .\\ClientInfo(#) : GetComputerCaps returns 4294967295"});
+    const Lines lines = Masked(logging);
+    REQUIRE(lines.size() > 3);
+    CHECK(lines.at(lines.size() - 3) == "VelUI_dll__VelUtility::CFileLocker::~CFileLocker :End  ......");
+    CHECK(lines.at(lines.size() - 2) == "DEBUG - .\\ClientInfo(#) : GetComputerCaps returns 5");
+    CHECK(lines.at(lines.size() - 1) == "VelUI_dll__VelUtility::GetComputerCaps :End  ......");
 }
 
 TEST_CASE_METHOD(StoreLogFixture, "a missing number of a list leaves an error line", "[state][log]")
