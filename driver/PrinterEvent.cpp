@@ -17,10 +17,23 @@ namespace
 /// Marks the local spooler's own copy of the printer. The backslash is part of it.
 constexpr wchar_t kOwnCopySuffix[] = L"\\VelPrinter,LocalsplOnly";
 
+/// The path of a file beside the module.
+/// @return empty when it can't be told where that is: a bare name would be a file of the current folder, which anyone
+///         may have put there, or of the Windows folder.
+std::wstring PathBesideModule(const wchar_t* pszFileName)
+{
+    const std::wstring strPath = MakeDependsFilePath(g_hModule, pszFileName);
+    return strPath != pszFileName ? strPath : std::wstring();
+}
+
 /// Starts a tool beside the module, without arguments, and does not wait. A tool that can't start goes unnoticed.
 void StartTool(const wchar_t* pszFileName)
 {
-    const std::wstring strPath = MakeDependsFilePath(g_hModule, pszFileName);
+    const std::wstring strPath = PathBesideModule(pszFileName);
+    if (strPath.empty())
+    {
+        return;
+    }
     // Required: the path is not quoted, which the tools' own names and the spooler's driver folder bear, both without a
     // blank. The process handle that the call returns is neither waited on nor closed: the spooler's event must not
     // take as long as the tool, and its end matters to nobody here.
@@ -30,9 +43,12 @@ void StartTool(const wchar_t* pszFileName)
 /// Records the connection's name for the tool, and starts it, also when the name could not be recorded.
 void OnAddConnection(const wchar_t* pszPrinterName)
 {
-    const std::wstring strFile = MakeDependsFilePath(g_hModule, L"velinfo.ini");
-    // Required: a failure is not even logged: the tool starts all the same, and tells by itself when it finds no name.
-    WritePrivateProfileStringW(L"PrinterConnection", L"PrinterName", pszPrinterName, strFile.c_str());
+    if (const std::wstring strFile = PathBesideModule(L"velinfo.ini"); !strFile.empty())
+    {
+        // Required: a failure is not even logged: the tool starts all the same, and tells by itself when it finds no
+        // name.
+        WritePrivateProfileStringW(L"PrinterConnection", L"PrinterName", pszPrinterName, strFile.c_str());
+    }
     StartTool(L"velup.exe");
 }
 
@@ -88,19 +104,21 @@ void HandlePrinterEvent(const wchar_t* pPrinterName, INT DriverEvent)
 std::wstring MakeDependsFilePath(HMODULE hModule, const wchar_t* pszFileName)
 {
     const FunctionScope scope("MakeDependsFilePath");
-    // The result of the call is not tested: without a name the file's own is all that is left.
     wchar_t szModuleFile[MAX_PATH] = {};
-    GetModuleFileNameW(hModule, szModuleFile, MAX_PATH);
+    if (GetModuleFileNameW(hModule, szModuleFile, MAX_PATH) >= MAX_PATH)
+    {
+        szModuleFile[0] = L'\0'; // a path that was cut leads to another folder
+    }
     LOG_DEBUG("szModuleFile = %S", szModuleFile);
 
     wchar_t szDrive[_MAX_DRIVE] = {};
-    wchar_t szFolder[_MAX_DIR] = {};
-    _wsplitpath_s(szModuleFile, szDrive, _MAX_DRIVE, szFolder, _MAX_DIR, nullptr, 0, nullptr, 0);
+    wchar_t szFolder[MAX_PATH] = {};
+    _wsplitpath_s(szModuleFile, szDrive, _MAX_DRIVE, szFolder, MAX_PATH, nullptr, 0, nullptr, 0);
     wchar_t szName[_MAX_FNAME] = {};
     wchar_t szExtension[_MAX_EXT] = {};
     _wsplitpath_s(pszFileName, nullptr, 0, nullptr, 0, szName, _MAX_FNAME, szExtension, _MAX_EXT);
 
-    wchar_t szPath[_MAX_DRIVE + _MAX_DIR + _MAX_FNAME + _MAX_EXT] = {};
+    wchar_t szPath[_MAX_DRIVE + MAX_PATH + _MAX_FNAME + _MAX_EXT] = {};
     _wmakepath(szPath, szDrive, szFolder, szName, szExtension);
     return szPath;
 }

@@ -3,10 +3,12 @@
 #include "diag/LogSite.h"
 #include "support/CommandLine.h"
 #include "support/Exception.h"
+#include "support/KeptText.h"
 #include "support/ProcessUtilities.h"
 
 #include <boost/algorithm/string/predicate.hpp>
 
+#include <atomic>
 #include <iterator>
 #include <vector>
 
@@ -15,22 +17,35 @@ VELUI_SOURCE_MODULE("VelUI");
 namespace
 {
 
-std::wstring s_szClientPath; // built on the first check, never again
-bool s_bPathBuilt = false;
-DWORD s_dwClientPid = 0; // 0 when unknown
-bool s_bClientRunning = false;
+// Required: no lock: a check in the steady state costs two platform calls, on any number of threads. What two threads
+// write at once is whole all the same, and at worst a second client is started, which the client bears.
+KeptText s_szClientPath;             // built on the first check, never again
+std::atomic<DWORD> s_dwClientPid{0}; // of the client that runs, as far as is known; 0 for none. Its number and whether
+                                     // it runs are one variable, so that no thread meets one without the other.
 
 /// Whether the client known from an earlier check still lives; forgets it when not.
-void CheckKnownClient()
+bool KnownClientLives()
 {
-    if (s_bClientRunning)
+    const DWORD dwPid = s_dwClientPid;
+    if (dwPid == 0)
     {
-        s_bClientRunning = IsClientProcessAlive(s_dwClientPid);
+        return false;
     }
-    else
+    if (!IsClientProcessAlive(dwPid))
     {
         s_dwClientPid = 0;
+        return false;
     }
+    return true;
+}
+
+/// The client's path, built when no check before has built it.
+const std::wstring& ClientPath()
+{
+    // Required: a path without the Program Files folder is kept too, for the life of the module: a check must not look
+    // for a folder that the platform does not tell, query by query.
+    const std::wstring* const pPath = s_szClientPath.Get();
+    return pPath != nullptr ? *pPath : s_szClientPath.Keep(MakeClientPath());
 }
 
 /// The check's work; throws what the calls in it throw.
@@ -40,24 +55,18 @@ void FindOrStartClient()
     {
         return;
     }
-    if (!s_bPathBuilt)
-    {
-        s_szClientPath = MakeClientPath();
-        s_bPathBuilt = true;
-    }
-    CheckKnownClient();
-    if (s_bClientRunning)
+    const std::wstring& strPath = ClientPath();
+    if (KnownClientLives())
     {
         return;
     }
-    if (const DWORD dwPid = FindClientProcess(s_szClientPath); dwPid != 0)
+    if (const DWORD dwPid = FindClientProcess(strPath); dwPid != 0)
     {
         s_dwClientPid = dwPid;
-        s_bClientRunning = true;
         return;
     }
     // The new process's id is not taken over: the next check finds it by a walk.
-    Language::LaunchCommandLine(L"\"" + s_szClientPath + L"\"", false);
+    Language::LaunchCommandLine(L"\"" + strPath + L"\"", false);
 }
 
 } // namespace

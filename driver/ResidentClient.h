@@ -9,15 +9,16 @@
 /// nothing for the user "SYSTEM". Stands at the very head of the entry points that it serves, before their trace scope,
 /// and lets no exception out; a failure reaches nobody but the log.
 ///
-/// In the steady state a check costs one GetUserNameW and one GetProcessVersion. The three variables behind it are this
-/// process's own and are not locked: two threads that check at once may both start a client, which the client bears.
+/// In the steady state a check costs one GetUserNameW and one GetProcessVersion. What it remembers is this process's
+/// own and is not locked: two threads that check at once may both start a client, which the client bears.
 void CheckResidentClient() noexcept;
 
 /// Whether a process with that id can still be asked for its version. An id that has gone to another process counts as
 /// alive.
 bool IsClientProcessAlive(DWORD dwPid);
 
-/// Full path of the client's program below the Program Files folder; relative when that folder can't be had.
+/// Full path of the client's program below the Program Files folder; when that folder can't be had, the same without
+/// it, which is a path from the root of the current drive.
 std::wstring MakeClientPath();
 
 /// Walks the processes for one that runs the program at strClientPath; a process of the same name from another folder

@@ -15,9 +15,12 @@ short SubSetDefPaperSize();
 
 /// Merges a caller's record with a default one. Bytes only: no bit of dmFields is honoured, and nothing of the private
 /// tail is copied.
-/// @param stuDefDev  the public part of a default record, by value.
-/// @param pstuDevIn  the caller's record; null copies the default.
-/// @param pstuDevOut [in, out] buffer for the smaller of the two dmSize values; its own dmSize and dmDriverExtra bound
-///                   the result's.
+/// @param stuDefDev  the public part of a default record, by value. A stored one may declare any dmSize.
+/// @param pstuDevIn  the caller's record, of dmSize bytes; null copies as many bytes of the default as its dmSize says,
+///                   at most 220.
+/// @param pstuDevOut [in, out] where the bytes go. Its own header bounds nothing: it needs room for the smaller of the
+///                   two dmSize values, which a stored default with a great dmSize leaves to the input alone, and at
+///                   least the 72 bytes up to the end of dmDriverExtra. The words dmSize and dmDriverExtra of the
+///                   result are at most those that stand there once the bytes are copied.
 /// @return 1, or 0 for a null pstuDevOut.
 int SubConvertDevmodeOut(DEVMODEW stuDefDev, const DEVMODEW* pstuDevIn, DEVMODEW* pstuDevOut);

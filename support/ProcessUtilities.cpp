@@ -1,6 +1,7 @@
 #include "support/ProcessUtilities.h"
 
 #include "support/Exception.h"
+#include "support/KeptText.h"
 #include "support/ScopeGuard.h"
 
 #include <boost/algorithm/string/predicate.hpp>
@@ -17,13 +18,22 @@ namespace Win32
 namespace
 {
 
+/// Wide characters of a full path, its terminator included.
 constexpr DWORD kPathUnits = 260;
+
+KeptText s_programFiles;
+const std::wstring s_strNoFolder;
 
 std::wstring FullPath(const std::wstring& strPath)
 {
     wchar_t szFull[kPathUnits] = {};
-    // A path that does not fit leaves the buffer empty and gives the size that it needs.
-    if (GetFullPathNameW(strPath.c_str(), kPathUnits, szFull, nullptr) == 0)
+    const DWORD dwLength = GetFullPathNameW(strPath.c_str(), kPathUnits, szFull, nullptr);
+    if (dwLength >= kPathUnits)
+    {
+        // A path that does not fit leaves nothing in the buffer: two such paths must not pass for the same one.
+        SetLastError(ERROR_FILENAME_EXCED_RANGE);
+    }
+    if (dwLength == 0 || dwLength >= kPathUnits)
     {
         ThrowLastError(
             L"GetFullPathName"); // Required: without a W; a log is searched by the words that it has always held
@@ -89,16 +99,16 @@ bool IsSystemUser()
 
 const std::wstring& GetProgramFilesFolder()
 {
-    static std::wstring strFolder;
-    if (strFolder.empty())
+    if (const std::wstring* const pFolder = s_programFiles.Get(); pFolder != nullptr)
     {
-        wchar_t szFolder[MAX_PATH] = {};
-        if (SUCCEEDED(SHGetFolderPathW(nullptr, CSIDL_PROGRAM_FILES, nullptr, 0, szFolder)))
-        {
-            strFolder = szFolder;
-        }
+        return *pFolder;
     }
-    return strFolder;
+    wchar_t szFolder[MAX_PATH] = {};
+    if (FAILED(SHGetFolderPathW(nullptr, CSIDL_PROGRAM_FILES, nullptr, 0, szFolder)) || szFolder[0] == L'\0')
+    {
+        return s_strNoFolder;
+    }
+    return s_programFiles.Keep(szFolder);
 }
 
 void EnableDebugPrivilege(HANDLE hProcess, const wchar_t* /*pszPrivilege*/, bool bEnable)
@@ -141,14 +151,15 @@ bool TryEnableDebugPrivilege(HANDLE hProcess, const wchar_t* pszPrivilege, bool 
 
 std::wstring PathFileNamePart(const std::wstring& strPath)
 {
-    wchar_t szDrive[_MAX_DRIVE] = {};
-    wchar_t szFolder[_MAX_DIR] = {};
-    wchar_t szName[_MAX_FNAME] = {};
-    wchar_t szExtension[_MAX_EXT] = {};
-    _wsplitpath_s(strPath.c_str(), szDrive, _MAX_DRIVE, szFolder, _MAX_DIR, szName, _MAX_FNAME, szExtension, _MAX_EXT);
-    wchar_t szPart[_MAX_FNAME + _MAX_EXT] = {};
-    _wmakepath(szPart, nullptr, nullptr, szName, szExtension);
-    return szPart;
+    // The drive and the folder are not asked for, and each part has room for the whole path: nothing in a path is too
+    // long to find its name, and an empty name would be like every other empty one.
+    const size_t uiUnits = strPath.size() + 1;
+    std::wstring strName(uiUnits, L'\0');
+    std::wstring strExtension(uiUnits, L'\0');
+    _wsplitpath_s(strPath.c_str(), nullptr, 0, nullptr, 0, strName.data(), uiUnits, strExtension.data(), uiUnits);
+    std::wstring strPart(uiUnits, L'\0');
+    _wmakepath(strPart.data(), nullptr, nullptr, strName.c_str(), strExtension.c_str());
+    return strPart.c_str();
 }
 
 bool PathsEqual(const std::wstring& strFirst, const std::wstring& strSecond)

@@ -16,6 +16,7 @@ std::wstring GetUserNameString();
 bool IsSystemUser();
 
 /// The Program Files folder without a separator at its end; looked for until it is found once, and empty until then.
+/// Safe on several threads at once; what it refers to never changes.
 const std::wstring& GetProgramFilesFolder();
 
 /// Enables the right to debug in a process's token, or removes it from the token for good.
@@ -26,11 +27,11 @@ void EnableDebugPrivilege(HANDLE hProcess, const wchar_t* pszPrivilege, bool bEn
 /// The same; answers whether it came back without an exception.
 bool TryEnableDebugPrivilege(HANDLE hProcess, const wchar_t* pszPrivilege, bool bEnable) noexcept;
 
-/// The file name of a path, with its extension.
+/// The file name of a path, with its extension; both may be of any length, and so may what is in front of them.
 std::wstring PathFileNamePart(const std::wstring& strPath);
 
 /// Whether two paths name one file once made full, whatever the case of their letters (by the global locale).
-/// Throws Win32Exception when a path can't be made full.
+/// Throws Win32Exception when a path can't be made full, or has more than 259 characters then.
 bool PathsEqual(const std::wstring& strFirst, const std::wstring& strSecond);
 
 /// One process; the fields of PROCESSENTRY32W of the same names.

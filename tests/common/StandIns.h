@@ -37,6 +37,22 @@ inline std::wstring CommandLineOfRun(const std::wstring& strPath)
     return strRun.substr(0, strRun.find(L'\n'));
 }
 
+/// Has a placed stand-in that stays go on no longer, and waits until its process is gone.
+/// @return whether it was still going on: one that nobody stops ends by itself after a minute, and says nothing.
+inline bool StopStandIn(const std::wstring& strPath)
+{
+    WriteFileBytes(strPath + L".stop", "");
+    for (int i = 0; i < 1000 && !PathExists(strPath + L".stopped"); ++i)
+    {
+        Sleep(20);
+    }
+    for (int i = 0; i < 500 && !DeleteFileW(strPath.c_str()); ++i)
+    {
+        Sleep(20); // until the program has ended and its file can go
+    }
+    return PathExists(strPath + L".stopped");
+}
+
 /// Makes a folder with all that lead to it.
 inline void MakeFolders(const std::wstring& strPath)
 {

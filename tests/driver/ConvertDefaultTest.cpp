@@ -91,6 +91,45 @@ TEST_CASE_METHOD(DefaultModeFixture, "a negative room counts as a huge one", "[d
     CHECK(out.As<DEVMODEW>()->dmSize == 220);
 }
 
+TEST_CASE_METHOD(DefaultModeFixture, "the default record does not depend on an input, which is not even looked at",
+                 "[driver][convert][default]")
+{
+    const GuardedBuffer before(1);
+    auto* const pNoRecord = reinterpret_cast<DEVMODEW*>(before.Get() + 1); // a byte of it can't be read
+    LONG cbNeeded = 232;
+    CHECK(module.ConvertDevMode(nullptr, pNoRecord, out.As<DEVMODEW>(), &cbNeeded, CDM_DRIVER_DEFAULT) == 1);
+    CHECK(out.As<DEVMODEW>()->dmPaperSize == 9);
+    stuDrvDevmode in;
+    memset(&in, 0x33, sizeof(in));
+    in.stuDevmode.dmSize = 220;
+    in.stuDevmode.dmDriverExtra = 12;
+    const std::string strBefore(out.As<char>(), 232);
+    CHECK(module.ConvertDevMode(nullptr, &in.stuDevmode, out.As<DEVMODEW>(), &cbNeeded, CDM_DRIVER_DEFAULT) == 1);
+    CHECK(std::string(out.As<char>(), 232) == strBefore);
+}
+
+TEST_CASE_METHOD(ClientFixture, "the default mode reads the user's record, then the papers, then the request",
+                 "[driver][convert][default][log]")
+{
+    const LoggingOn logging{"OutputParam", "OutputFunBeginInfo"};
+    stuDrvDevmode record = {};
+    LONG cbNeeded = 232;
+    CHECK(DrvConvertDevMode(nullptr, nullptr, &record.stuDevmode, &cbNeeded, CDM_DRIVER_DEFAULT) == 1);
+    std::vector<std::string> reads;
+    for (const std::string& strLine : Masked(logging))
+    {
+        for (const char* pszRead : {"GetDevDef", "SubSetDefPaperSize", "GetComputerCaps", "GetDefSetting"})
+        {
+            if (strLine == std::string("VelUI_dll__VelUtility::") + pszRead + " :START......" ||
+                strLine == std::string("VelUI_dll__") + pszRead + " :START......")
+            {
+                reads.emplace_back(pszRead);
+            }
+        }
+    }
+    CHECK(reads == std::vector<std::string>{"GetDevDef", "SubSetDefPaperSize", "GetComputerCaps", "GetDefSetting"});
+}
+
 TEST_CASE("without any store the default record is the hard-coded one without a watermark request",
           "[driver][convert][default]")
 {

@@ -1,5 +1,6 @@
 #include "settings/DriverDevmode.h"
 #include "tests/common/BuiltModule.h"
+#include "tests/common/ChildCase.h"
 #include "tests/common/GuardedBuffer.h"
 #include "tests/common/PrivateRegistry.h"
 
@@ -192,6 +193,28 @@ TEST_CASE_METHOD(ConvertFixture, "CDM_CONVERT351 with a null input fails without
     CHECK(Convert(nullptr, out.Dm(), CDM_CONVERT351) == 0);
     CHECK(dwLastError == kUnset);
     CHECK(Size() == 232);
+}
+
+// Run by the next case in processes of their own.
+TEST_CASE_METHOD(ConvertFixture, "child: CDM_CONVERT without a size", "[.child]")
+{
+    const Record in(220, 12, 0x11);
+    const Record out(220, 12, 0x22);
+    const decltype(&DrvConvertDevMode) pfnBare = module.ConvertDevMode;
+    pfnBare(nullptr, in.Dm(), out.Dm(), nullptr, CDM_CONVERT);
+}
+TEST_CASE_METHOD(ConvertFixture, "child: CDM_CONVERT351 without a size", "[.child]")
+{
+    const Record in(220, 12, 0x11);
+    const Record out(220, 12, 0x22);
+    const decltype(&DrvConvertDevMode) pfnBare = module.ConvertDevMode;
+    pfnBare(nullptr, in.Dm(), out.Dm(), nullptr, CDM_CONVERT351);
+}
+
+TEST_CASE("a null size is tested for in the default mode alone: the two others fault", "[driver][convert]")
+{
+    CHECK(IsFault(ExitCodeOfCase(L"child: CDM_CONVERT without a size")));
+    CHECK(IsFault(ExitCodeOfCase(L"child: CDM_CONVERT351 without a size")));
 }
 
 TEST_CASE_METHOD(ConvertFixture, "a mode that is none of the known ones gives 13", "[driver][convert]")

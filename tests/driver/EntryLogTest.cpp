@@ -1,8 +1,10 @@
 // What each entry point writes around its body, in order, with everything switched on.
 
+#include "diag/CallStack.h"
 #include "settings/DriverDevmode.h"
 #include "support/module/PrinterInterface.h"
 #include "tests/common/ClientFixture.h"
+#include "tests/common/ImportHook.h"
 #include "tests/common/LogLines.h"
 
 #include <catch2/catch_test_macros.hpp>
@@ -18,6 +20,12 @@ struct EntryLogFixture : ClientFixture
     LoggingOn logging{"OutputParam", "OutputFunBeginInfo"};
     Lines Own(const char* pszFunction) const { return OwnLines(logging, pszFunction); }
 };
+
+/// Ends the check for the resident client, which then writes a line where a scope is open.
+BOOL WINAPI ThrowUserName(LPWSTR, LPDWORD)
+{
+    throw 1;
+}
 
 } // namespace
 
@@ -104,6 +112,58 @@ TEST_CASE_METHOD(EntryLogFixture, "CDM_CONVERT has no error line of its own", "[
     CHECK(GetLastError() == 87);
     CHECK(Own("DrvConvertDevMode").at(3) == "DEBUG - VelUI(#) : fMode = CDM_CONVERT");
     CHECK_FALSE(logging.Has("ERROR"));
+}
+
+TEST_CASE_METHOD(EntryLogFixture, "the result line closes a CDM_CONVERT, whichever way it went", "[driver][log]")
+{
+    stuDrvDevmode in = {};
+    stuDrvDevmode out = {};
+    in.stuDevmode.dmSize = out.stuDevmode.dmSize = 220;
+    LONG cbNeeded = 219;
+    DrvConvertDevMode(nullptr, &in.stuDevmode, &out.stuDevmode, &cbNeeded, CDM_CONVERT);
+    cbNeeded = 220;
+    DrvConvertDevMode(nullptr, &in.stuDevmode, &out.stuDevmode, &cbNeeded, CDM_CONVERT);
+    Lines ends; // what stands behind each call line, with its records
+    bool bBehind = false;
+    for (const std::string& strLine : Own("DrvConvertDevMode"))
+    {
+        bBehind = strLine.find(" :START......") == std::string::npos &&
+                  (bBehind || strLine == "DEBUG - VelUI(#) : fMode = CDM_CONVERT");
+        if (bBehind)
+        {
+            ends.push_back(strLine);
+        }
+    }
+    CHECK(ends == Lines{"DEBUG - VelUI(#) : fMode = CDM_CONVERT", "Param - VelUI(#) : bReturn = 0",
+                        "VelUI_dll__DrvConvertDevMode :End  ......", "DEBUG - VelUI(#) : fMode = CDM_CONVERT",
+                        "Param - VelUI(#) : bReturn = 1", "VelUI_dll__DrvConvertDevMode :End  ......"});
+}
+
+TEST_CASE_METHOD(EntryLogFixture, "the check for the resident client stands before the scope of both entry points",
+                 "[driver][log]")
+{
+    const ImportHook hook(nullptr, "GetUserNameW", &ThrowUserName);
+    const std::string strFatal = "FATAL - VelUI(#) : Caught unexpected C++ exception.";
+    DrvDeviceCapabilities(nullptr, nullptr, DC_SIZE, nullptr, nullptr);
+    DrvDocumentPropertySheets(nullptr, 0);
+    Lines lines = Masked(logging);
+    CHECK(std::count(lines.begin(), lines.end(), strFatal) == 0); // no scope is open when it fails
+    const size_t uiBefore = lines.size();
+    {
+        const TraceScope scope("Outer");
+        DrvDeviceCapabilities(nullptr, nullptr, DC_SIZE, nullptr, nullptr);
+        DrvDocumentPropertySheets(nullptr, 0);
+    }
+    lines = Masked(logging);
+    lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(uiBefore));
+    const auto caps = std::find(lines.begin(), lines.end(), "VelUI_dll__DrvDeviceCapabilities :START......");
+    const auto sheet = std::find(lines.begin(), lines.end(), "VelUI_dll__DrvDocumentPropertySheets :START......");
+    REQUIRE(caps > lines.begin());
+    REQUIRE(sheet != lines.end());
+    CHECK(*(caps - 1) == strFatal);
+    CHECK(*(sheet - 1) == strFatal);
+    CHECK(*(sheet - 2) == "VelUI_dll__DrvDeviceCapabilities :End  ......");
+    CHECK(std::count(lines.begin(), lines.end(), strFatal) == 2);
 }
 
 TEST_CASE_METHOD(EntryLogFixture, "a failed CDM_CONVERT351 leaves an error line", "[driver][log]")

@@ -2,6 +2,7 @@
 
 #include "settings/DriverDevmode.h"
 #include "tests/common/ChildProcess.h"
+#include "tests/common/GuardedBuffer.h"
 #include "tests/common/LockHolder.h"
 #include "tests/common/Threads.h"
 #include "tests/driver/SheetCalls.h"
@@ -147,6 +148,28 @@ TEST_CASE_METHOD(HostileFixture, "a stored record of any bytes is handed out wit
     CHECK(out.stuDevmode.dmPaperSize == -1);
     CHECK(out.dwTailWord0 == 0x22222222);
     CHECK(out.dwTailWord2 == 0x22222222);
+}
+
+TEST_CASE_METHOD(HostileFixture, "a stored record that declares a great size lets a merge take all of the input",
+                 "[driver][hostile]")
+{
+    DEVMODEW stored = {};
+    stored.dmSize = 1000;
+    WriteFileBytes(folder.File(L"QPS@VEL_DevMode.dat"), std::string(reinterpret_cast<char*>(&stored), 220));
+    const GuardedBuffer in(400, 0x11);
+    in.As<DEVMODEW>()->dmSize = 400;
+    in.As<DEVMODEW>()->dmDriverExtra = 0;
+    const GuardedBuffer out(400, 0x22);
+    out.As<DEVMODEW>()->dmSize = 220; // what it declares is of no matter
+    out.As<DEVMODEW>()->dmDriverExtra = 12;
+    DOCUMENTPROPERTYHEADER header = {};
+    header.cbOut = 232;
+    header.pdmIn = in.As<DEVMODEW>();
+    header.pdmOut = out.As<DEVMODEW>();
+    header.fMode = DM_OUT_BUFFER;
+    CHECK(module.DocumentSheets(nullptr, reinterpret_cast<LPARAM>(&header)) == 1);
+    CHECK(out.As<DEVMODEW>()->dmSize == 400);
+    CHECK(out.Get()[399] == 0x11);
 }
 
 TEST_CASE_METHOD(HostileFixture, "a folder in the place of each of the user's files is a failure and not a crash",

@@ -2,11 +2,14 @@
 #include "driver/Module.h"
 #include "support/module/Resource.h"
 #include "tests/common/BuiltModule.h"
+#include "tests/common/ImportHook.h"
 #include "tests/common/PrivateRegistry.h"
 #include "tests/common/TempFolder.h"
 #include "tests/common/TextsFrom.h"
 
 #include <catch2/catch_test_macros.hpp>
+
+#include <algorithm>
 
 namespace
 {
@@ -17,6 +20,21 @@ struct TextsFixture
     BuiltModule module;
     const TextsFrom texts{module.handle};
 };
+
+int s_cchText = 0;
+UINT s_uiText = 0;
+HINSTANCE s_hTexts = nullptr;
+
+/// A text of 100 characters and more, cut as the platform cuts it.
+int WINAPI LoadLongText(HINSTANCE hModule, UINT uiId, LPWSTR pszText, int cchText)
+{
+    s_hTexts = hModule;
+    s_uiText = uiId;
+    s_cchText = cchText;
+    std::fill_n(pszText, cchText - 1, L't');
+    pszText[cchText - 1] = L'\0';
+    return cchText - 1;
+}
 
 } // namespace
 
@@ -101,4 +119,15 @@ TEST_CASE_METHOD(TextsFixture, "a text that is not there answers 0 and leaves th
     CHECK(SubLoadString(101, strText) == 0);
     CHECK(SubLoadString(109, strText) == 0);
     CHECK(strText == L"before");
+}
+
+TEST_CASE_METHOD(TextsFixture, "a text of 100 characters is cut at 99", "[driver][texts]")
+{
+    const ImportHook hook(nullptr, "LoadStringW", &LoadLongText);
+    std::wstring strText;
+    CHECK(SubLoadString(105, strText) == 1);
+    CHECK(s_hTexts == module.handle);
+    CHECK(s_uiText == 105);
+    CHECK(s_cchText == 100);
+    CHECK(strText == std::wstring(99, L't'));
 }

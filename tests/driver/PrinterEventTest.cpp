@@ -3,11 +3,15 @@
 #include "driver/PrinterEvent.h"
 #include "support/module/PrinterInterface.h"
 #include "tests/common/Handles.h"
+#include "tests/common/ImportHook.h"
 #include "tests/common/LogLines.h"
 #include "tests/common/PrivateRegistry.h"
 #include "tests/common/StandIns.h"
 
 #include <catch2/catch_test_macros.hpp>
+
+#include <process.h>
+#include <vector>
 
 namespace
 {
@@ -34,13 +38,14 @@ public:
     }
     ~DriverFolder() { FreeLibrary(m_hModule); }
     std::wstring File(const std::wstring& strName) const { return m_strFolder + L"\\" + strName; }
-    BOOL Event(INT iEvent, const wchar_t* pszPrinter, DWORD dwFlags = 0) const
+    HMODULE Module() const { return m_hModule; }
+    BOOL Event(INT iEvent, const wchar_t* pszPrinter, DWORD dwFlags = 0, LPARAM lParam = 0) const
     {
         wchar_t* const pszName = const_cast<wchar_t*>(pszPrinter);
         // A tool that is started leaves its process's handle open, which the checks around a call would see.
         const decltype(&DrvPrinterEvent) pfnBare = m_event;
         const bool bStarts = iEvent == PRINTER_EVENT_ADD_CONNECTION || iEvent == PRINTER_EVENT_DELETE;
-        return bStarts ? pfnBare(pszName, iEvent, dwFlags, 0) : m_event(pszName, iEvent, dwFlags, 0);
+        return bStarts ? pfnBare(pszName, iEvent, dwFlags, lParam) : m_event(pszName, iEvent, dwFlags, lParam);
     }
     bool Ran(const wchar_t* pszTool, DWORD dwMilliseconds = 20000) const
     {
@@ -54,6 +59,56 @@ private:
     HMODULE m_hModule = nullptr;
     CheckedEntry<decltype(&DrvPrinterEvent)> m_event;
 };
+
+constexpr wchar_t kOwnCopy[] = L"\\\\host\\VelPrinter,LocalsplOnly";
+
+std::vector<std::wstring> s_files; // what was written or started, in order
+int s_iMode = -1;
+HANDLE s_hStarted = nullptr;
+
+intptr_t RecordStart(int iMode, const wchar_t* pszProgram, const wchar_t*, ...)
+{
+    s_iMode = iMode;
+    s_files.push_back(pszProgram);
+    return reinterpret_cast<intptr_t>(s_hStarted);
+}
+
+BOOL WINAPI RecordWrite(LPCWSTR, LPCWSTR, LPCWSTR, LPCWSTR pszFile)
+{
+    s_files.push_back(pszFile);
+    return TRUE;
+}
+
+/// A driver folder where nothing is really written or started.
+struct RecordedFolder : DriverFolder
+{
+    RecordedFolder() : DriverFolder(L"drv", false)
+    {
+        s_files.clear();
+        s_iMode = -1;
+        s_hStarted = nullptr;
+    }
+    const ImportHook start{Module(), "_wspawnl", &RecordStart};
+    const ImportHook write{Module(), "WritePrivateProfileStringW", &RecordWrite};
+};
+
+std::wstring s_strModuleFile;
+DWORD s_cchModuleFile = 0;
+
+/// Tells s_strModuleFile as a module's path, cut where it does not fit; fails where that is empty.
+DWORD WINAPI TellModuleFile(HMODULE, LPWSTR pszFile, DWORD cchFile)
+{
+    s_cchModuleFile = cchFile;
+    if (s_strModuleFile.empty())
+    {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return 0;
+    }
+    wcsncpy_s(pszFile, cchFile, s_strModuleFile.c_str(), _TRUNCATE);
+    const bool bFits = s_strModuleFile.size() < cchFile;
+    SetLastError(bFits ? ERROR_SUCCESS : ERROR_INSUFFICIENT_BUFFER);
+    return bFits ? static_cast<DWORD>(s_strModuleFile.size()) : cchFile;
+}
 
 } // namespace
 
@@ -173,6 +228,129 @@ TEST_CASE("a file of the module's folder is named without the folder that was gi
     CHECK(MakeDependsFilePath(hModule, L"x\\y.ini") == driver.File(L"y.ini"));
     CHECK(MakeDependsFilePath(hModule, L"velup.exe") == driver.File(L"velup.exe"));
     CHECK(MakeDependsFilePath(nullptr, L"y.ini") == BesideTests(L"y.ini"));
+}
+
+TEST_CASE("the path of a module's file has room for 259 characters", "[driver][events]")
+{
+    const ImportHook hook(nullptr, "GetModuleFileNameW", &TellModuleFile);
+    for (const size_t uiFolder : {100, 252, 253, 254})
+    {
+        CAPTURE(uiFolder);
+        const std::wstring strFolder = L"C:\\" + std::wstring(uiFolder, L'f') + L"\\";
+        s_strModuleFile = strFolder + L"m"; // with 254 the longest path that fits
+        CHECK(MakeDependsFilePath(nullptr, L"velup.exe") == strFolder + L"velup.exe");
+        CHECK(s_cchModuleFile == 260);
+    }
+}
+
+TEST_CASE("a file has its bare name where the module's path is unknown or was cut", "[driver][events]")
+{
+    const ImportHook hook(nullptr, "GetModuleFileNameW", &TellModuleFile);
+    for (const std::wstring& strFile : {std::wstring(), L"C:\\" + std::wstring(255, L'f') + L"\\m",
+                                        L"C:\\folder\\" + std::wstring(300, L'f') + L"\\m.dll"})
+    {
+        s_strModuleFile = strFile;
+        CHECK(MakeDependsFilePath(nullptr, L"x\\velup.exe") == L"velup.exe");
+    }
+}
+
+TEST_CASE_METHOD(RecordedFolder, "where the module's path is unknown or was cut nothing is written or started",
+                 "[driver][events]")
+{
+    for (const std::wstring& strFile : {std::wstring(), L"C:\\folder\\" + std::wstring(300, L'f') + L"\\m.dll"})
+    {
+        s_strModuleFile = strFile;
+        const ImportHook hook(Module(), "GetModuleFileNameW", &TellModuleFile);
+        CHECK(Event(PRINTER_EVENT_ADD_CONNECTION, L"\\\\host\\x") == 1);
+        CHECK(Event(PRINTER_EVENT_DELETE, kOwnCopy) == 1);
+        CHECK(s_files.empty());
+    }
+    Event(PRINTER_EVENT_DELETE, kOwnCopy); // with its path again
+    CHECK(s_files == std::vector<std::wstring>{File(L"veldel.exe")});
+}
+
+TEST_CASE_METHOD(RecordedFolder, "a connection is recorded before its tool starts, whose process's handle stays open",
+                 "[driver][events]")
+{
+    s_hStarted = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    DWORD dwFlags = 0;
+    CHECK(Event(PRINTER_EVENT_ADD_CONNECTION, L"\\\\host\\x") == 1);
+    CHECK(s_files == std::vector<std::wstring>{File(L"velinfo.ini"), File(L"velup.exe")});
+    CHECK(s_iMode == _P_NOWAIT);
+    CHECK(GetHandleInformation(s_hStarted, &dwFlags));
+    CHECK(Event(PRINTER_EVENT_DELETE, kOwnCopy) == 1);
+    CHECK(s_files.back() == File(L"veldel.exe"));
+    CHECK(s_iMode == _P_NOWAIT);
+    CHECK(GetHandleInformation(s_hStarted, &dwFlags));
+    CloseHandle(s_hStarted);
+}
+
+TEST_CASE("a tool that goes on is not waited for", "[driver][events]")
+{
+    const DriverFolder driver(L"drv");
+    for (const wchar_t* pszTool : {L"velup.exe", L"veldel.exe"})
+    {
+        WriteFileBytes(driver.File(pszTool) + L".stay", "");
+    }
+    CHECK(driver.Event(PRINTER_EVENT_ADD_CONNECTION, L"\\\\host\\x") == 1);
+    CHECK(driver.Ran(L"velup.exe"));
+    CHECK(StopStandIn(driver.File(L"velup.exe"))); // it was still going on when the event was answered
+    CHECK(driver.Event(PRINTER_EVENT_DELETE, kOwnCopy) == 1);
+    CHECK(driver.Ran(L"veldel.exe"));
+    CHECK(StopStandIn(driver.File(L"veldel.exe")));
+}
+
+TEST_CASE_METHOD(RecordedFolder, "the last argument of an event is not looked at", "[driver][events]")
+{
+    for (const LPARAM lParam : {LPARAM{1}, LPARAM{-1}}) // neither is an address
+    {
+        for (INT iEvent = -1; iEvent <= 8; ++iEvent)
+        {
+            s_files.clear();
+            CHECK(Event(iEvent, kOwnCopy, 0, lParam) == 1);
+            const size_t uiExpected = iEvent == PRINTER_EVENT_ADD_CONNECTION ? 2
+                                      : iEvent == PRINTER_EVENT_DELETE       ? 1
+                                                                             : 0;
+            CHECK(s_files.size() == uiExpected);
+        }
+    }
+}
+
+TEST_CASE("the module's own path is told in the log", "[driver][events][log]")
+{
+    const LoggingOn logging{"OutputParam", "OutputFunBeginInfo"};
+    const std::wstring strPath = BesideTests(L"veltests.exe");
+    MakeDependsFilePath(nullptr, L"y.ini");
+    CHECK(OwnLines(logging, "MakeDependsFilePath") ==
+          std::vector<std::string>{"VelUI_dll__MakeDependsFilePath :START......",
+                                   "DEBUG - VelUI(#) : szModuleFile = " + std::string(strPath.begin(), strPath.end()),
+                                   "VelUI_dll__MakeDependsFilePath :End  ......"});
+}
+
+TEST_CASE("the two events that start a tool leave their names in the log, and a deleted printer its name twice",
+          "[driver][events][log]")
+{
+    using Lines = std::vector<std::string>;
+    s_strModuleFile.clear(); // so that nothing is written or started beside the tests
+    const ImportHook hook(nullptr, "GetModuleFileNameW", &TellModuleFile);
+    const Lines begin = {"VelUI_dll__DrvPrinterEvent :START......", "INFO - DrvPrinterEvent was invoked.",
+                         "DEBUG - VelUI(#) : pPrinterName = P"};
+    const Lines end = {"Param - VelUI(#) : bReturn = 1", "VelUI_dll__DrvPrinterEvent :End  ......"};
+    const auto own = [](INT iEvent) {
+        wchar_t szName[] = L"P";
+        const LoggingOn logging{"OutputParam", "OutputFunBeginInfo"};
+        CHECK(DrvPrinterEvent(szName, iEvent, 0, 0) == 1);
+        return OwnLines(logging, "DrvPrinterEvent");
+    };
+    const auto expected = [&](const Lines& middle) {
+        Lines lines = begin;
+        lines.insert(lines.end(), middle.begin(), middle.end());
+        lines.insert(lines.end(), end.begin(), end.end());
+        return lines;
+    };
+    CHECK(own(PRINTER_EVENT_ADD_CONNECTION) == expected({"INFO - DriverEvent = PRINTER_EVENT_ADD_CONNECTION"}));
+    CHECK(own(PRINTER_EVENT_DELETE) ==
+          expected({"INFO - DriverEvent = PRINTER_EVENT_DELETE", "DEBUG - VelUI(#) : pPrinterName = P"}));
 }
 
 TEST_CASE("each event leaves its name in the log, an unknown one its number", "[driver][events][log]")

@@ -17,7 +17,7 @@ struct SplFixture : ClientFixture
         wchar_t szPrinter[] = L"VelPrinter";
         return module.SplDeviceCaps(nullptr, szPrinter, wCap, pvOutput, cchBuf, nullptr);
     }
-    /// Writes uiCount paper names and as many loaded media.
+    /// Writes dwCount names of papers, and as many of loaded media and of bins.
     void WriteNames(DWORD dwCount)
     {
         std::vector<std::pair<std::wstring, std::wstring>> keys = {
@@ -84,7 +84,7 @@ TEST_CASE_METHOD(SplFixture, "one name passes at 128 and is refused at 64 and 12
     CHECK(Ask(DC_PAPERNAMES, buffer.Get(), 128) == 1);
 }
 
-TEST_CASE_METHOD(SplFixture, "only paper names and loaded media pass", "[driver][splcaps]")
+TEST_CASE_METHOD(SplFixture, "only the names of papers and of loaded media pass", "[driver][splcaps]")
 {
     WriteNames(1);
     const GuardedBuffer buffer(64 * sizeof(wchar_t), 0xEE);
@@ -110,7 +110,8 @@ TEST_CASE_METHOD(SplFixture, "a missing or empty list of names is refused", "[dr
 
 TEST_CASE_METHOD(SplFixture, "the needed size is cut to 32 bits before it is doubled", "[driver][splcaps]")
 {
-    // 67108865 x 64 is 64 in 32 bits, so a room of 128 passes the comparison; the third name then fails the list.
+    // 67108865 x 64 is 64 in 32 bits, so a room of 128 passes the comparison; the third name, which is missing, then
+    // fails the list.
     WriteCaps({{L"PaperNamesCount", L"67108865"}, {L"PaperNames0", L"A4"}, {L"PaperNames1", std::wstring(62, L'x')}});
     const GuardedBuffer buffer(2 * 64 * sizeof(wchar_t), 0xEE);
     CHECK(Ask(DC_PAPERNAMES, buffer.Get(), 127) == kRefused);

@@ -1,6 +1,10 @@
 #include "settings/DefaultRecord.h"
+#include "state/DataFiles.h"
 #include "tests/common/BuiltModule.h"
+#include "tests/common/ChildCase.h"
 #include "tests/common/ClientFixture.h"
+#include "tests/common/GuardedBuffer.h"
+#include "tests/common/LogLines.h"
 #include "tests/common/TextsFrom.h"
 
 #include <catch2/catch_test_macros.hpp>
@@ -53,6 +57,14 @@ TEST_CASE_METHOD(DefaultFixture, "the hard-coded default has its values and zero
     CHECK(record.dwTailWord2 == 0xEEEEEEEE);
 }
 
+TEST_CASE_METHOD(DefaultFixture, "the hard-coded default has the printer's default paper", "[settings][default]")
+{
+    WritePapers({5, 1});
+    stuDrvDevmode record = {};
+    CHECK(SubSetDevMode(&record) == 1);
+    CHECK(record.stuDevmode.dmPaperSize == 5);
+}
+
 TEST_CASE_METHOD(DefaultFixture, "the default record is the user's file as it stands", "[settings][default]")
 {
     std::string strFile(220, 'q');
@@ -90,4 +102,49 @@ TEST_CASE_METHOD(DefaultFixture, "the default paper is A4 where papers can't be 
     CHECK(SubSetDefPaperSize() == 9);
     WritePapers({}); // nothing to be the first
     CHECK(SubSetDefPaperSize() == 9);
+}
+
+TEST_CASE_METHOD(DefaultFixture, "a default record tells where it comes from, inside scopes of its own",
+                 "[settings][default][log]")
+{
+    using Lines = std::vector<std::string>;
+    stuDrvDevmode record = {};
+    {
+        const LoggingOn logging{"OutputParam", "OutputFunBeginInfo"};
+        SubSetDevMode(&record);
+        CHECK(OwnLines(logging, "SubSetDevMode") == Lines{"VelUI_dll__SubSetDevMode :START......",
+                                                          "DEBUG - SubVelUi(#) : Set hardcode default DEVMODE",
+                                                          "VelUI_dll__SubSetDevMode :End  ......"});
+        CHECK(OwnLines(logging, "SubSetDefPaperSize") ==
+              Lines{"VelUI_dll__SubSetDefPaperSize :START......", "VelUI_dll__SubSetDefPaperSize :End  ......"});
+    }
+    WriteFileBytes(DevModeFile(), std::string(220, 'q'));
+    const LoggingOn logging{"OutputParam", "OutputFunBeginInfo"};
+    SubSetDevMode(&record);
+    CHECK(OwnLines(logging, "SubSetDevMode") == Lines{"VelUI_dll__SubSetDevMode :START......",
+                                                      "DEBUG - SubVelUi(#) : Set default DEVMODE read from file.",
+                                                      "VelUI_dll__SubSetDevMode :End  ......"});
+}
+
+// Run by the next case in a process of its own.
+TEST_CASE("child: storing a record that can't be read to its end", "[.child]")
+{
+    wchar_t szFolder[MAX_PATH] = {};
+    REQUIRE(GetEnvironmentVariableW(L"VELUI_TEST_PROOF", szFolder, MAX_PATH) != 0);
+    ScratchClient client;
+    const UserName system(L"SYSTEM");
+    client.registry.SetClient(L"DataDir", szFolder);
+    const GuardedBuffer record(219);
+    VelUtility::SetDevDef(record.As<DEVMODEW>());
+}
+
+TEST_CASE_METHOD(DefaultFixture, "a record that can't be read to its end leaves the stored one as it was",
+                 "[settings][default]")
+{
+    WriteFileBytes(DevModeFile(), std::string(220, 'q'));
+    SetEnvironmentVariableW(L"VELUI_TEST_PROOF", folder.Path().c_str());
+    const DWORD dwCode = ExitCodeOfCase(L"child: storing a record that can't be read to its end");
+    SetEnvironmentVariableW(L"VELUI_TEST_PROOF", nullptr);
+    CHECK(IsFault(dwCode));
+    CHECK(ReadFileBytes(DevModeFile()) == std::string(220, 'q'));
 }

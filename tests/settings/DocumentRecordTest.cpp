@@ -128,6 +128,25 @@ TEST_CASE_METHOD(RecordFixture, "the request is written when the merged record d
     CHECK(out.As<stuDrvDevmode>()->dwNoWaterPrint == (bWritten ? 1u : 0x22222222u));
 }
 
+TEST_CASE_METHOD(RecordFixture, "the request is written at its place in the whole record, whatever the record declares",
+                 "[driver][record]")
+{
+    const WORD wSize = GENERATE(72, 156, 219, 220, 300);
+    CAPTURE(wSize);
+    StoreSetting("1");
+    GuardedBuffer in(300, 0x11);
+    in.As<DEVMODEW>()->dmSize = wSize;
+    in.As<DEVMODEW>()->dmDriverExtra = 12;
+    CHECK(Ask(DM_COPY, out.As<DEVMODEW>(), in.As<DEVMODEW>()) == 1);
+    CHECK(out.As<DEVMODEW>()->dmSize == (wSize < 220 ? wSize : 220));
+    for (size_t i = 72; i < 232; ++i)
+    {
+        CAPTURE(i);
+        const int iExpected = i < 220 ? (i < wSize ? 0x11 : 0x22) : i == 224 ? 1 : i > 224 && i < 228 ? 0 : 0x22;
+        CHECK(out.Get()[i] == iExpected);
+    }
+}
+
 TEST_CASE_METHOD(RecordFixture, "a request that can't be read becomes 0", "[driver][record]")
 {
     const PrivateRegistry nothing;

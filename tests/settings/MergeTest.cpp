@@ -1,5 +1,6 @@
 #include "settings/DefaultRecord.h"
 #include "tests/common/GuardedBuffer.h"
+#include "tests/common/LogLines.h"
 
 #include <catch2/catch_test_macros.hpp>
 
@@ -165,4 +166,25 @@ TEST_CASE("nothing of a private tail is copied by the merge", "[settings][merge]
     CHECK(out.dwTailWord0 == 0x22222222);
     CHECK(out.dwNoWaterPrint == 0x22222222);
     CHECK(out.dwTailWord2 == 0x22222222);
+}
+
+TEST_CASE("a merge tells what it does, inside a scope of its own", "[settings][merge][log]")
+{
+    using Lines = std::vector<std::string>;
+    const Record in(220, 12, kInSpec, kInVersion, 0x11);
+    const Record out(220, 12, kOutSpec, kOutVersion, 0x22);
+    const auto own = [](const DEVMODEW* pIn, DEVMODEW* pOut) {
+        const LoggingOn logging{"OutputParam", "OutputFunBeginInfo"};
+        SubConvertDevmodeOut(Default(220, 12), pIn, pOut);
+        return OwnLines(logging, "SubConvertDevmodeOut");
+    };
+    const auto expected = [](const char* pszLine) {
+        return Lines{"VelUI_dll__SubConvertDevmodeOut :START......", pszLine,
+                     "VelUI_dll__SubConvertDevmodeOut :End  ......"};
+    };
+    CHECK(own(in.Dm(), nullptr) == expected("ERROR - SubVelUi(#) : NULL == pstuDevOut"));
+    CHECK(own(nullptr, out.Dm()) ==
+          expected("INFO - SubConvertDevmodeOut - Input DEVMODE is null, copy default devmode "
+                   "to output buffer."));
+    CHECK(own(in.Dm(), out.Dm()) == expected("INFO - SubConvertDevmodeOut - Merge DEVMODE"));
 }

@@ -1,21 +1,16 @@
-#include "support/CommandLine.h"
+// The process utilities: whose process this is, its rights, walks, paths; and the scope guard.
+
 #include "support/Exception.h"
 #include "support/ProcessUtilities.h"
 #include "support/ScopeGuard.h"
 #include "tests/common/BuiltModule.h"
-#include "tests/common/ChildProcess.h"
 #include "tests/common/ClientFixture.h"
 #include "tests/common/Handles.h"
 #include "tests/common/ImportHook.h"
-#include "tests/common/PrivateRegistry.h"
-#include "tests/common/StandIns.h"
 
 #include <boost/bind/bind.hpp>
 #include <catch2/catch_test_macros.hpp>
 
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
 #include <iterator>
 #include <tlhelp32.h>
 #include <vector>
@@ -40,38 +35,11 @@ HANDLE WINAPI FailSnapshot(Arguments...)
     return INVALID_HANDLE_VALUE;
 }
 
+int s_iFailedFolders = 0;
 HRESULT WINAPI FailFolder(HWND, int, HANDLE, DWORD, LPWSTR)
 {
+    ++s_iFailedFolders;
     return E_FAIL;
-}
-
-constexpr int kManyArguments = 1237;
-
-/// Fails for the size of the array of so many arguments, and gives memory for every other.
-void* FailArgumentArray(size_t cbSize)
-{
-    if (cbSize == (kManyArguments + 1) * sizeof(wchar_t*))
-    {
-        errno = ENOMEM;
-        return nullptr;
-    }
-    return std::calloc(1, cbSize);
-}
-
-TOKEN_PRIVILEGES s_adjusted;
-BOOL WINAPI RecordAdjust(HANDLE, BOOL, PTOKEN_PRIVILEGES pPrivileges, DWORD, PTOKEN_PRIVILEGES, PDWORD)
-{
-    s_adjusted = *pPrivileges;
-    SetLastError(ERROR_NOT_ALL_ASSIGNED);
-    return TRUE;
-}
-
-std::wstring s_strLookedUp;
-BOOL WINAPI RecordLookup(LPCWSTR, LPCWSTR pszName, PLUID pLuid)
-{
-    s_strLookedUp = pszName;
-    *pLuid = {20, 0};
-    return TRUE;
 }
 
 /// Runs a call that is to throw for a failed platform call, and checks the whole text and that no handle was lost.
@@ -93,13 +61,6 @@ void CheckThrows(const wchar_t* pszApi, Call call)
     CHECK(strText == FormatLastErrorText(pszApi, 5, nullptr));
     CHECK(dwCode == 5);
     CHECK(NextHandle() == uiBefore);
-}
-
-std::vector<std::wstring> Split(const std::wstring& strText)
-{
-    std::list<std::wstring> tokens;
-    Language::SplitCommandLine(strText, tokens);
-    return {tokens.begin(), tokens.end()};
 }
 
 int s_iGuarded = 0;
@@ -133,12 +94,15 @@ TEST_CASE("only the six capital letters are the system user", "[support][account
     }
 }
 
-TEST_CASE("the Program Files folder that can't be had is empty, looked for again, and then kept", "[support][account]")
+// In a process of its own: once the folder is found nobody looks for it.
+TEST_CASE("the Program Files folder that can't be had is empty, looked for again, and then kept",
+          "[support][account][alone]")
 {
-    const bool bKnown = !GetProgramFilesFolder().empty();
     {
         const ImportHook hook(nullptr, "SHGetFolderPathW", &FailFolder);
-        CHECK(GetProgramFilesFolder().empty() == !bKnown);
+        CHECK(GetProgramFilesFolder().empty());
+        CHECK(GetProgramFilesFolder().empty());
+        CHECK(s_iFailedFolders == 2);
     }
     const std::wstring& strFolder = GetProgramFilesFolder();
     CHECK_FALSE(strFolder.empty());
@@ -146,6 +110,7 @@ TEST_CASE("the Program Files folder that can't be had is empty, looked for again
     const ImportHook hook(nullptr, "SHGetFolderPathW", &FailFolder);
     CHECK(&GetProgramFilesFolder() == &strFolder);
     CHECK_FALSE(GetProgramFilesFolder().empty());
+    CHECK(s_iFailedFolders == 2);
 }
 
 TEST_CASE("each failed step of the debug right is thrown by its own word", "[support][privilege]")
@@ -164,19 +129,6 @@ TEST_CASE("each failed step of the debug right is thrown by its own word", "[sup
                               &FailCall<HANDLE, BOOL, PTOKEN_PRIVILEGES, DWORD, PTOKEN_PRIVILEGES, PDWORD>);
         CheckThrows(L"AdjustTokenPrivileges", [] { EnableDebugPrivilege(GetCurrentProcess(), L"x", true); });
     }
-}
-
-TEST_CASE("the debug right is enabled or removed, whatever name is given, also for a user who lacks it",
-          "[support][privilege]")
-{
-    const ImportHook adjust(nullptr, "AdjustTokenPrivileges", &RecordAdjust);
-    const ImportHook lookup(nullptr, "LookupPrivilegeValueW", &RecordLookup);
-    EnableDebugPrivilege(GetCurrentProcess(), L"SeSomethingElse", true);
-    CHECK(s_strLookedUp == L"SeDebugPrivilege");
-    CHECK(s_adjusted.PrivilegeCount == 1);
-    CHECK(s_adjusted.Privileges[0].Attributes == 2);
-    CHECK(TryEnableDebugPrivilege(GetCurrentProcess(), L"SeDebugPrivilege", false));
-    CHECK(s_adjusted.Privileges[0].Attributes == 4);
 }
 
 TEST_CASE("a walk over processes finds this one with its parts", "[support][walk]")
@@ -302,118 +254,4 @@ TEST_CASE("a scope guard without memory for its call runs it at once and says so
     }
     CHECK(bThrown);
     CHECK(s_iGuarded == 3);
-}
-
-TEST_CASE("a command line falls into words and quoted tokens", "[support][launch]")
-{
-    using Tokens = std::vector<std::wstring>;
-    CHECK(Split(L"").empty());
-    CHECK(Split(L" \t \n").empty());
-    CHECK(Split(L"\"").empty());
-    CHECK(Split(L"a") == Tokens{L"a"});
-    CHECK(Split(L"  a  b\tc ") == Tokens{L"a", L"b", L"c"});
-    CHECK(Split(L"\"C:\\Program Files\\a.exe\" -x") == Tokens{L"\"C:\\Program Files\\a.exe\"", L"-x"});
-    CHECK(Split(L"a\"b c\"d") == Tokens{L"a\"b", L"c\"d"});
-    CHECK(Split(L"\"a\"b \"c\"") == Tokens{L"\"a\"", L"b", L"\"c\""});
-    CHECK(Split(L"\"a\"\"b\"") == Tokens{L"\"a\"", L"\"b\""});
-    CHECK(Split(L"a \"lost b c") == Tokens{L"a"});
-    CHECK(Split(L"\"\"") == Tokens{L"\"\""});
-}
-
-TEST_CASE("tokens are appended behind what the list holds", "[support][launch]")
-{
-    std::list<std::wstring> tokens = {L"first"};
-    Language::SplitCommandLine(L"second", tokens);
-    CHECK(tokens == std::list<std::wstring>{L"first", L"second"});
-}
-
-TEST_CASE("a command line without a token is invalid", "[support][launch]")
-{
-    for (const wchar_t* pszLine : {L"", L"   ", L"\""})
-    {
-        std::wstring strText;
-        try
-        {
-            Language::LaunchCommandLine(pszLine, false);
-        }
-        catch (const Language::InvalidDataException& exception)
-        {
-            strText = exception.WhatW();
-        }
-        CHECK(strText == L"命令的形式不正确。");
-    }
-}
-
-TEST_CASE("a program that is not there is told with its stripped path", "[support][launch]")
-{
-    std::wstring strText;
-    try
-    {
-        Language::LaunchCommandLine(L"\" C:\\no such\\a.exe \" -x", false);
-    }
-    catch (const Language::FileNotFoundException& exception)
-    {
-        strText = exception.WhatW();
-    }
-    CHECK(strText == L"找不到文件 : C:\\no such\\a.exe");
-}
-
-TEST_CASE("a program starts with its quoted first argument and all others", "[support][launch]")
-{
-    const TempFolder folder;
-    const std::wstring strProgram = folder.File(L"a b.exe");
-    PlaceStandIn(strProgram);
-    Language::LaunchCommandLine(L"\"" + strProgram + L"\" -x \"y z\"", true); // waits for its end
-    REQUIRE(PathExists(strProgram + L".ran"));
-    CHECK(CommandLineOfRun(strProgram) == L"\"" + strProgram + L"\" -x \"y z\"");
-}
-
-TEST_CASE("a program is started without a wait where none is asked for", "[support][launch]")
-{
-    const TempFolder folder;
-    const std::wstring strProgram = folder.File(L"VelprintD.exe"); // goes on until it is stopped
-    PlaceStandIn(strProgram);
-    Language::LaunchCommandLine(L"\"" + strProgram + L"\"", false);
-    CHECK_FALSE(WaitForRun(strProgram).empty());
-    WriteFileBytes(strProgram + L".stop", "");
-    for (int i = 0; i < 500 && !DeleteFileW(strProgram.c_str()); ++i)
-    {
-        Sleep(20); // until the program has ended and its file can go
-    }
-    CHECK_FALSE(PathExists(strProgram));
-}
-
-TEST_CASE("an existing file that is no program raises nothing", "[support][launch]")
-{
-    const TempFolder folder;
-    WriteFileBytes(folder.File(L"a.exe"), "no program");
-    Language::LaunchCommandLine(folder.File(L"a.exe"), false);
-    CHECK_FALSE(PathExists(folder.File(L"a.exe.ran")));
-}
-
-TEST_CASE("arguments without memory are told as a failed malloc, and start nothing", "[support][launch]")
-{
-    const TempFolder folder;
-    const std::wstring strProgram = folder.File(L"a.exe");
-    PlaceStandIn(strProgram);
-    // A number of arguments that gives their array a size of its own among all allocations.
-    std::wstring strLine = L"\"" + strProgram + L"\"";
-    for (int i = 1; i < kManyArguments; ++i)
-    {
-        strLine += L" x";
-    }
-    std::string strDetail;
-    {
-        const ImportHook hook(nullptr, "malloc", &FailArgumentArray);
-        try
-        {
-            Language::LaunchCommandLine(strLine, false);
-        }
-        catch (const Language::CrtException& exception)
-        {
-            strDetail = exception.Detail();
-        }
-    }
-    CHECK(strDetail == std::string("malloc failed. err = ") + std::strerror(ENOMEM));
-    CHECK(WaitForRun(strProgram, 200).empty());
 }

@@ -1,6 +1,8 @@
 // Stands in for the client's programs: leaves "<own path>.ran" beside itself, with its command line, its current folder
-// and its start time (hundreds of nanoseconds since 1601) on a line each, in UTF-16. Named VelprintD.exe it then goes
-// on until a file "<own path>.stop" comes up, or for a minute.
+// and its start time (hundreds of nanoseconds since 1601) on a line each, in UTF-16. Named VelprintD.exe, or with a
+// file
+// "<own path>.stay" beside it, it then goes on until a file "<own path>.stop" comes up, and leaves "<own
+// path>.stopped"; or for a minute, and leaves nothing.
 
 #include <windows.h>
 
@@ -32,11 +34,18 @@ int main()
     MoveFileExW((strRan + L".part").c_str(), strRan.c_str(), MOVEFILE_REPLACE_EXISTING);
 
     const std::wstring strName = strPath.substr(strPath.rfind(L'\\') + 1);
-    const std::wstring strStop = strPath + L".stop";
-    for (int i = 0; i < 3000 && _wcsicmp(strName.c_str(), L"VelprintD.exe") == 0; ++i)
+    const auto isThere = [&](const wchar_t* pszSuffix) {
+        return GetFileAttributesW((strPath + pszSuffix).c_str()) != INVALID_FILE_ATTRIBUTES;
+    };
+    const bool bStays = _wcsicmp(strName.c_str(), L"VelprintD.exe") == 0 || isThere(L".stay");
+    for (int i = 0; i < 3000 && bStays; ++i)
     {
-        if (GetFileAttributesW(strStop.c_str()) != INVALID_FILE_ATTRIBUTES)
+        if (isThere(L".stop"))
         {
+            if (FILE* const pStopped = _wfopen((strPath + L".stopped").c_str(), L"wb"))
+            {
+                std::fclose(pStopped);
+            }
             return 0;
         }
         Sleep(20);
