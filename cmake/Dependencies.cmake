@@ -4,9 +4,9 @@
 #   velui::catch2    Catch2 3, a static library without its main
 #   velui::cli       CLI11 and nlohmann/json, for velhost
 #
-# With vcpkg they come from its manifest. In the cross build log4cpp and Catch2 are built from their archives, and the
-# header-only ones are Debian's, each seen through a link in a folder of its own: /usr/include itself must never enter the include path
-# of the target.
+# With vcpkg they come from its manifest; its log4cpp lacks what Log4cppThrows.cmake does. In the cross build log4cpp and
+# Catch2 are built from their archives, and the header-only ones are Debian's, each seen through a link in a folder of its
+# own: /usr/include itself must never enter the include path of the target.
 
 set(VELUI_LOG4CPP_SHA256 696113659e426540625274a8b251052cc04306d8ee5c42a0c7639f39ca90c9d6)
 set(VELUI_LOG4CPP_ARCHIVE ${CMAKE_SOURCE_DIR}/.deps/log4cpp_1.1.4.orig.tar.gz
@@ -47,6 +47,7 @@ if(CMAKE_CROSSCOMPILING)
         URL ${VELUI_LOG4CPP_ARCHIVE}
         URL_HASH SHA256=${VELUI_LOG4CPP_SHA256}
         DOWNLOAD_EXTRACT_TIMESTAMP TRUE
+        PATCH_COMMAND ${CMAKE_COMMAND} -P ${CMAKE_CURRENT_LIST_DIR}/Log4cppThrows.cmake
         CMAKE_ARGS
             -DCMAKE_TOOLCHAIN_FILE=${CMAKE_TOOLCHAIN_FILE}
             -DCMAKE_BUILD_TYPE=None

@@ -62,12 +62,28 @@ DWORD FindPlace(const void* pObject)
     return dwPlace;
 }
 
+/// Takes all frames off the thread's stack, when there is no memory for one more. The functions that run now write
+/// nothing until they end; their ends find the stack empty, and so no frame is taken for another function's.
+void ForgetFrames() noexcept
+{
+    Quietly([] { log4cpp::NDC::clear(); });
+}
+
 } // namespace
 
 void PushTraceFrame(const char* pszModuleTag, const char* pszClassName, const char* pszFunctionName) noexcept
 {
-    Quietly([=] {
+    bool bPushed = false;
+    Quietly([&] {
         log4cpp::NDC::push(FrameText(OrEmpty(pszModuleTag), OrEmpty(pszClassName), OrEmpty(pszFunctionName)));
+        bPushed = true;
+    });
+    if (!bPushed)
+    {
+        ForgetFrames();
+        return;
+    }
+    Quietly([] {
         LogTarget target;
         if (FindLogTarget(target) && target.pCategory != nullptr && WantsTraceLines(target.pCategory))
         {
@@ -89,11 +105,12 @@ void PopTraceFrame() noexcept
     });
     // Apart, so that the frame goes also when the line failed.
     Quietly([] {
-        if (log4cpp::NDC::getDepth() != 0)
+        auto& frames = log4cpp::NDC::getNDC()._stack;
+        if (!frames.empty())
         {
-            log4cpp::NDC::pop();
+            frames.pop_back(); // NDC::pop hands out a copy of the text, for which there may be no memory
         }
-        if (log4cpp::NDC::getDepth() == 0)
+        if (frames.empty())
         {
             FreeThreadNdc();
         }

@@ -26,16 +26,18 @@ void FunctionTrace::AddHolder(ParamBase* pHolder)
     m_params.push_back(Param(boost::shared_ptr<ParamBase>(pHolder)));
 }
 
-std::string CallText(const FunctionTrace& trace)
+std::string CallText(const FunctionTrace& trace) noexcept
 {
-    std::string strCall(trace.Name());
-    strCall += '(';
-    std::string strValue;
-    for (const Param& param : trace.Params())
-    {
-        // Required: the separator follows every argument, the last one too, so that all arguments end alike.
-        strCall += '[' + param->Name() + "] = " + param->ValueText(strValue) + ", ";
-    }
-    strCall += ')';
-    return strCall;
+    return QuietText([&] {
+        std::string strCall(trace.Name());
+        strCall += '(';
+        std::string strValue;
+        for (const Param& param : trace.Params())
+        {
+            // Required: the separator follows every argument, the last one too, so that all arguments end alike.
+            strCall += '[' + param->Name() + "] = " + param->ValueText(strValue) + ", ";
+        }
+        strCall += ')';
+        return strCall;
+    });
 }

@@ -106,7 +106,8 @@ private:
     std::string_view m_strRest;
 };
 
-/// Holds a function's name and its list of arguments. It writes nothing by itself; CallText renders it.
+/// Holds a function's name and its list of arguments. It writes nothing by itself; CallText renders it. Its calls keep
+/// the rules of the log surface (diag/Log.h): an argument for which there is no memory is missing from the list.
 /// It lives in the traced function's frame and dies before the trace scope closes, so that its holders may point at the
 /// function's own arguments.
 class FunctionTrace
@@ -121,28 +122,30 @@ public:
     /// @param pszName the argument's name.
     /// @param pValue  address of the argument, which must outlive this object; read when the text is made, not now.
     template <typename T>
-    void AddParam(const char* pszName, const T* pValue)
+    void AddParam(const char* pszName, const T* pValue) noexcept
     {
-        AddHolder(new ValueParam<T>(pszName, pValue));
+        Quietly([=] { AddHolder(new ValueParam<T>(pszName, pValue)); });
     }
 
     /// Remembers an array.
     /// @param ppValues address of the pointer to it, which must outlive this object, as must the array.
     /// @param uiCount  entries.
     template <typename T>
-    void AddParam(const char* pszName, const T* const* ppValues, size_t uiCount)
+    void AddParam(const char* pszName, const T* const* ppValues, size_t uiCount) noexcept
     {
-        AddHolder(new ArrayParam<T>(pszName, ppValues, uiCount));
+        Quietly([=] { AddHolder(new ArrayParam<T>(pszName, ppValues, uiCount)); });
     }
 
     /// Remembers several arguments.
     /// @param pszNames their names, with a comma and blanks between two of them.
     /// @param values   the arguments themselves, kept by address.
     template <typename... T>
-    void AddParams(const char* pszNames, const T&... values)
+    void AddParams(const char* pszNames, const T&... values) noexcept
     {
-        ArgumentNames names(pszNames);
-        (AddHolder(new ValueParam<T>(names.Next(), &values)), ...);
+        Quietly([&] {
+            ArgumentNames names(pszNames);
+            (AddHolder(new ValueParam<T>(names.Next(), &values)), ...);
+        });
     }
 
     const char* Name() const noexcept { return m_pszName; }
@@ -158,6 +161,8 @@ private:
 
 /// The object at the head of every own function: opens the function's trace scope, then its FunctionTrace, and ends
 /// them in the reverse order on every way out.
+/// Required: also when an exception leaves the function, an entry point included. A scope that stayed open would give
+/// its category to all that the thread logs from then on.
 class FunctionScope : private TraceScope, public FunctionTrace
 {
 public:
@@ -166,5 +171,5 @@ public:
 };
 
 /// The call line: the function's name and, in brackets, "[name] = value, " for each argument. The separator also
-/// follows the last one.
-std::string CallText(const FunctionTrace& trace);
+/// follows the last one. Keeps the rules of the log surface; without memory for it the line is empty.
+std::string CallText(const FunctionTrace& trace) noexcept;

@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <new>
 #include <string>
 
 namespace
@@ -24,6 +25,9 @@ bool s_bLibraryUsed = false;
 
 /// Characters of a message, and again of a message with its head; the terminator is one of them. What is longer is cut.
 constexpr size_t kMessageChars = 800;
+
+/// A user of the library's set of all appenders, which goes with its last user.
+using KeptAppenders = log4cpp::Appender::AppenderMapStorageInitializer;
 
 /// A level function's own values.
 struct Level
@@ -63,7 +67,7 @@ public:
         {
             auto pAppender = std::make_unique<log4cpp::NTEventLogAppender>("NTEVENTLog", UnderscoredName(frame));
             pAppender->setThreshold(kPriorityFatal);
-            m_pCategory->addAppender(pAppender.get());
+            Add(pAppender.get());
             m_pAppender = pAppender.release(); // the category owns it now
         }
     }
@@ -78,6 +82,20 @@ public:
     EventLogScope& operator=(const EventLogScope&) = delete;
 
 private:
+    void Add(log4cpp::Appender* pAppender)
+    {
+        try
+        {
+            m_pCategory->addAppender(pAppender);
+        }
+        catch (...)
+        {
+            // The category may hold it without a note that it owns it.
+            m_pCategory->removeAppender(pAppender);
+            throw;
+        }
+    }
+
     log4cpp::Category* m_pCategory;
     log4cpp::Appender* m_pAppender = nullptr;
 };
@@ -163,6 +181,24 @@ void FormatHexLine(char (&szLine)[kLineChars], const unsigned char* pbyBytes, lo
     }
 }
 
+/// Takes the appenders off all categories and deletes them.
+void ShutDownAppenders()
+{
+    try
+    {
+        log4cpp::Category::shutdownForced();
+    }
+    catch (...)
+    {
+        // There was no memory for the library's list of what it has to delete. Its static destructor would need the
+        // same list, and an exception there ends the process: one more user, which never leaves, keeps the destructor
+        // from running. The appenders stay, with their files closed.
+        alignas(KeptAppenders) static char s_abyStorage[sizeof(KeptAppenders)];
+        new (s_abyStorage) KeptAppenders;
+        log4cpp::Appender::closeAll();
+    }
+}
+
 } // namespace
 
 int StartLogging(const char* pszConfigFile) noexcept
@@ -204,7 +240,7 @@ void StopLogging() noexcept
         s_bLibraryUsed = false;
         // Takes the appenders off the categories and deletes them, then the categories themselves; also those of a
         // start that failed half way, whose log file would stay open.
-        log4cpp::Category::shutdownForced();
+        ShutDownAppenders();
         log4cpp::HierarchyMaintainer::getDefaultMaintainer().deleteAllCategories();
         if (bWasOn)
         {

@@ -49,29 +49,8 @@ constexpr FieldBit kFieldBits[] = {
 };
 #undef FIELD_BIT
 
-} // namespace
-
-std::string ToLogText(int iValue)
+std::string NarrowText(PCWSTR pszValue)
 {
-    return std::to_string(iValue);
-}
-
-std::string ToLogText(LONG lValue)
-{
-    return std::to_string(lValue);
-}
-
-std::string ToLogText(DWORD dwValue)
-{
-    return std::to_string(dwValue);
-}
-
-std::string ToLogText(PCWSTR pszValue)
-{
-    if (pszValue == nullptr)
-    {
-        return std::string();
-    }
     // At most two bytes a unit in the code pages that msvcrt's wcstombs serves; _TRUNCATE covers any other.
     std::vector<char> text(wcslen(pszValue) * 2 + 1);
     size_t cbConverted = 0;
@@ -82,14 +61,8 @@ std::string ToLogText(PCWSTR pszValue)
     return text.data();
 }
 
-std::string ToLogText(const DEVMODEW* pstuDevmode)
-{
-    const std::string strAddress = FormatText("0x%p", static_cast<const void*>(pstuDevmode));
-    return pstuDevmode == nullptr ? strAddress : strAddress + " => " + ToLogText(*pstuDevmode);
-}
-
 // The order of the dump's lines, what each waits for, and the odd one for dmFormName are fixed.
-std::string ToLogText(const DEVMODEW& stuDevmode)
+std::string DumpText(const DEVMODEW& stuDevmode)
 {
     std::string strDump = "{";
     const DWORD dwFields = stuDevmode.dmFields;
@@ -137,7 +110,7 @@ std::string ToLogText(const DEVMODEW& stuDevmode)
         // Required: no label and no line end; the next line's text follows at once, the form of the dump is fixed. The
         // field may lack a terminator.
         const std::wstring strForm(stuDevmode.dmFormName, wcsnlen(stuDevmode.dmFormName, CCHFORMNAME));
-        strDump += '"' + ToLogText(strForm.c_str()) + '"';
+        strDump += '"' + NarrowText(strForm.c_str()) + '"';
     }
     DUMP_FIELD(DM_LOGPIXELS, dmLogPixels, "%04X");
     DUMP_FIELD(DM_BITSPERPEL, dmBitsPerPel, "%08lX");
@@ -153,33 +126,71 @@ std::string ToLogText(const DEVMODEW& stuDevmode)
     return strDump + "}";
 }
 
-std::string ArgumentText(WORD wValue)
+} // namespace
+
+// Numbers of 32 bits are short enough for a string's own room: they take no memory.
+std::string ToLogText(int iValue) noexcept
+{
+    return std::to_string(iValue);
+}
+
+std::string ToLogText(LONG lValue) noexcept
+{
+    return std::to_string(lValue);
+}
+
+std::string ToLogText(DWORD dwValue) noexcept
+{
+    return std::to_string(dwValue);
+}
+
+std::string ToLogText(PCWSTR pszValue) noexcept
+{
+    return pszValue == nullptr ? std::string() : QuietText([=] { return NarrowText(pszValue); });
+}
+
+std::string ToLogText(const DEVMODEW* pstuDevmode) noexcept
+{
+    return QuietText([=] {
+        const std::string strAddress = FormatText("0x%p", static_cast<const void*>(pstuDevmode));
+        return pstuDevmode == nullptr ? strAddress : strAddress + " => " + DumpText(*pstuDevmode);
+    });
+}
+
+std::string ToLogText(const DEVMODEW& stuDevmode) noexcept
+{
+    return QuietText([&] { return DumpText(stuDevmode); });
+}
+
+std::string ArgumentText(WORD wValue) noexcept
 {
     return std::to_string(wValue);
 }
 
-std::string ArgumentText(SHORT nValue)
+std::string ArgumentText(SHORT nValue) noexcept
 {
     return std::to_string(nValue);
 }
 
-std::string ArgumentText(unsigned __int64 uiValue)
+std::string ArgumentText(unsigned __int64 uiValue) noexcept
 {
-    return FormatText("%I64u", uiValue);
+    return QuietText([=] { return FormatText("%I64u", uiValue); });
 }
 
-std::string ArgumentText(void* pValue)
+std::string ArgumentText(void* pValue) noexcept
 {
-    return FormatText("0x%p", pValue);
+    return QuietText([=] { return FormatText("0x%p", pValue); });
 }
 
-std::string ArgumentText(LONG* plValue)
+std::string ArgumentText(LONG* plValue) noexcept
 {
-    const std::string strAddress = FormatText("0x%p", static_cast<void*>(plValue));
-    return plValue == nullptr ? strAddress : strAddress + " => " + std::to_string(static_cast<DWORD>(*plValue));
+    return QuietText([=] {
+        const std::string strAddress = FormatText("0x%p", static_cast<void*>(plValue));
+        return plValue == nullptr ? strAddress : strAddress + " => " + std::to_string(static_cast<DWORD>(*plValue));
+    });
 }
 
-std::string ArgumentText(HWND hWindow)
+std::string ArgumentText(HWND hWindow) noexcept
 {
-    return IsWindow(hWindow) ? "(Valid windows handle)" : "(Invalid windows handle)";
+    return QuietText([=] { return IsWindow(hWindow) ? "(Valid windows handle)" : "(Invalid windows handle)"; });
 }

@@ -17,6 +17,18 @@ constexpr DWORD kInstallDirBytes = 260;
 /// Bytes for the file's full name: the longest folder and the name.
 constexpr size_t kFileNameBytes = 280;
 
+/// Finds the log configuration and starts logging with it. Without memory for the file's name logging stays off.
+void StartModuleLogging() noexcept
+{
+    Quietly([] {
+        const std::string strConfigFile = GetLogConfigFile();
+        StartLogging(strConfigFile.c_str());
+        // Required: no predicate in front. No trace scope is open here, so the line reaches no log; a predicate would
+        // look for a category without one.
+        LogFatal("Log4cpp config file : %s", strConfigFile.c_str());
+    });
+}
+
 } // namespace
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE hinstDLL, DWORD fdwReason, LPVOID /*lpvReserved*/)
@@ -25,14 +37,8 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE hinstDLL, DWORD fdwReason, LPVOID /*lpv
     switch (fdwReason)
     {
     case DLL_PROCESS_ATTACH:
-    {
-        const std::string strConfigFile = GetLogConfigFile();
-        StartLogging(strConfigFile.c_str());
-        // Required: no predicate in front. No trace scope is open here, so the line reaches no log; a predicate would
-        // look for a category without one.
-        LogFatal("Log4cpp config file : %s", strConfigFile.c_str());
+        StartModuleLogging();
         break;
-    }
     case DLL_PROCESS_DETACH:
         StopLogging();
         break;

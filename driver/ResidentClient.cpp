@@ -81,8 +81,11 @@ void CheckResidentClient() noexcept
     }
     catch (const Language::Exception& exception)
     {
-        // Required: without a blank or a colon behind the line's number: the form of the line is fixed.
-        LOG_FATAL_JOINED("Failed to launch apps. err = %s", exception.What().c_str());
+        // The text takes memory, for which there may be none.
+        Quietly([&] {
+            // Required: without a blank or a colon behind the line's number: the form of the line is fixed.
+            LOG_FATAL_JOINED("Failed to launch apps. err = %s", exception.What().c_str());
+        });
     }
     catch (...)
     {

@@ -160,19 +160,23 @@ TEST_CASE("a configuration with CR LF line ends works as one with LF", "[diag][c
     CHECK(configured.Log().find("error") == std::string::npos);
 }
 
-TEST_CASE("an empty configuration switches logging off", "[diag][config]")
+TEST_CASE("a configuration without the root category, an empty one too, leaves logging off", "[diag][config]")
 {
-    const Configured configured("");
-    const bool bOn = configured.Start();
-    // The library takes an empty file, and then there is no category: all that can be said is silence.
-    if (bOn)
+    const std::string strWhole = kGoodConfig;
+    const std::string strRoot = "rootCategory=ERROR\n";
+    REQUIRE(strWhole.compare(0, strRoot.size(), strRoot) == 0);
+    for (const std::string& strText : {std::string(), strWhole.substr(strRoot.size())})
     {
-        TraceFunctionBegin(kModuleTag, nullptr, "F");
-        LogError("error");
-        StopLogging();
+        CAPTURE(strText);
+        const Configured configured(strText);
+        CHECK_FALSE(configured.Start());
+        CHECK(LogsQuietly());
+        CHECK(configured.Log().empty());
     }
-    CHECK(loggingDisabled);
-    CHECK(configured.Log().empty());
+    const Configured configured(strWhole); // and with it logging is on
+    CHECK(configured.Start());
+    CHECK(LogsQuietly());
+    CHECK_FALSE(configured.Log().empty());
 }
 
 TEST_CASE("a switch without a category switches logging off for the run", "[diag][config]")

@@ -64,6 +64,42 @@ TEST_CASE("without their switch no START and End lines are written, and the fram
     CHECK(logging.Text().empty());
 }
 
+TEST_CASE("while logging is off nothing is pushed and nothing popped", "[diag][trace][off]")
+{
+    REQUIRE(loggingDisabled);
+    {
+        const TraceScope scope("F");
+        CHECK(log4cpp::NDC::getDepth() == 0);
+    }
+    log4cpp::NDC::push("kept");
+    {
+        const TraceScope scope("F");
+        CHECK(log4cpp::NDC::get() == "kept");
+    }
+    TraceFunctionEnd();
+    CHECK(log4cpp::NDC::get() == "kept");
+    log4cpp::NDC::clear();
+}
+
+TEST_CASE("the switches of START and End lines and of the dump are those of the category that was found",
+          "[diag][trace]")
+{
+    LogSetup setup;
+    setup.strMoreLines = "category.VelUI_dll.Own=DEBUG\n"
+                         "OutputFunBeginInfo.VelUI_dll.Own=true\n"
+                         "OutputNDCFullmessage.VelUI_dll.Own=true\n"
+                         "OutputParam.VelUI_dll=true\n";
+    const LoggingOn logging(setup);
+    for (const char* const pszFunction : {"Own", "Other"})
+    {
+        const TraceScope scope(pszFunction);
+        LogError("m");
+    }
+    CHECK(logging.Text() == std::string("[ThreadID:#] VelUI_dll__Own :START......\n[ThreadID:#] ERROR - m\n") +
+                                kDumpHead + DumpRow(1, "VelUI_dll", "Own") + kDumpEnd +
+                                "[ThreadID:#] VelUI_dll__Own :End  ......\n\n[ThreadID:#] ERROR - m\n");
+}
+
 TEST_CASE("the running function is the one that was entered last and has not ended", "[diag][trace]")
 {
     LogSetup setup;

@@ -1,6 +1,8 @@
 // The NT event log of fatal messages, and the dump of a buffer.
 
 #include "diag/Log.h"
+#include "tests/common/ImportHook.h"
+#include "tests/common/PrivateRegistry.h"
 #include "tests/diag/LoggingOn.h"
 
 #include <log4cpp/Category.hh>
@@ -9,6 +11,7 @@
 #include <catch2/generators/catch_generators.hpp>
 
 #include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 
 namespace
@@ -48,7 +51,88 @@ void ForgetEventSource(const std::string& strSource)
     RegDeleteKeyA(HKEY_LOCAL_MACHINE, strKey.c_str());
 }
 
+Strings s_sources;
+Strings s_events;
+WORD s_wType = 0;
+
+HANDLE WINAPI KeepSource(LPCSTR, LPCSTR pszSource)
+{
+    s_sources.emplace_back(pszSource);
+    return reinterpret_cast<HANDLE>(0x77);
+}
+
+BOOL WINAPI KeepEvent(HANDLE hSource, WORD wType, WORD, DWORD, PSID, WORD wStrings, DWORD, LPCSTR* ppszStrings, LPVOID)
+{
+    CHECK(hSource == reinterpret_cast<HANDLE>(0x77));
+    CHECK(wStrings == 1);
+    s_events.emplace_back(ppszStrings[0]);
+    s_wType = wType;
+    log4cpp::Appender* const pAppender = log4cpp::Appender::getAppender("NTEVENTLog");
+    REQUIRE(pAppender != nullptr);
+    CHECK(pAppender->getThreshold() == 0);
+    return TRUE;
+}
+
+BOOL WINAPI LeaveSource(HANDLE hSource)
+{
+    return hSource == reinterpret_cast<HANDLE>(0x77);
+}
+
+/// Keeps what reaches the event log for the length of a scope.
+struct EventLog
+{
+    EventLog()
+    {
+        s_sources.clear();
+        s_events.clear();
+        s_wType = 0;
+    }
+    const ImportHook source{nullptr, "RegisterEventSourceA", &KeepSource};
+    const ImportHook event{nullptr, "ReportEventA", &KeepEvent};
+    const ImportHook end{nullptr, "DeregisterEventSource", &LeaveSource};
+    const PrivateRegistry registry; // where the appender notes its sources
+};
+
+std::string ThreadHead()
+{
+    return "[ThreadID:" + std::to_string(GetCurrentThreadId()) + "] ";
+}
+
 } // namespace
+
+TEST_CASE("a fatal message and its call stack reach the event log under the function's name", "[diag][eventlog]")
+{
+    const LoggingOn logging{"OutputNTEventLog", "OutputNDCFullmessage"};
+    const EventLog events;
+    TraceFunctionBegin(kModuleTag, "Class", "Method");
+    LogFatal("event %d", 7);
+    TraceFunctionEnd();
+    CHECK(s_sources == Strings{"VelUI_dll_Class_Method"});
+    CHECK(s_wType == EVENTLOG_ERROR_TYPE);
+    REQUIRE(s_events.size() == 5);
+    CHECK(s_events[0] == ThreadHead() + "FATAL - event 7");
+    CHECK(s_events[1] == "\t\t\t@_@ ---------\tCall\tStack\t-----------\n");
+    CHECK(s_events[3] == "\t\t\t@_@ 1\tVelUI_dll\t\t\tClass\t\t\t\tMethod\n");
+    CHECK(s_events[4] == "\t\t\t@_@ ---------\tStack\tEnd\t-----------\n\n\n");
+}
+
+TEST_CASE("the event log's switch is that of the frame's module, not of the category", "[diag][eventlog]")
+{
+    const auto [strSwitch, uiEvents] =
+        GENERATE(table<std::string, size_t>({{"OutputNTEventLog.VelUI_dll=true\n", 1},
+                                             {"OutputNTEventLog.VelUI_dll.F=true\nOutputParam.VelUI_dll=true\n", 0}}));
+    LogSetup setup;
+    setup.strMoreLines = "category.VelUI_dll.F=DEBUG\n" + strSwitch;
+    const LoggingOn logging(setup);
+    const EventLog events;
+    {
+        const TraceScope scope("F");
+        LogFatal("event");
+    }
+    CAPTURE(strSwitch);
+    CHECK(s_events.size() == uiEvents);
+    CHECK(logging.Lines() == Strings{"[ThreadID:#] FATAL - event"});
+}
 
 TEST_CASE(
     "a fatal message opens an event source named for its function and leaves the category's appenders as they were",
@@ -116,6 +200,18 @@ TEST_CASE("a buffer is dumped in lines of 16 bytes with a wide gap in the middle
     wanted.insert(wanted.end(), lines.begin(), lines.end());
     INFO("length " << lLength);
     CHECK(s_calls == wanted);
+}
+
+TEST_CASE("a buffer above 4 GB shows the low half of its address", "[diag][dump]")
+{
+    constexpr std::uintptr_t kAddress = 0x1234560000;
+    void* const pvBytes = VirtualAlloc(reinterpret_cast<void*>(kAddress), 1, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+    REQUIRE(pvBytes == reinterpret_cast<void*>(kAddress));
+    const LoggingOn logging;
+    s_calls.clear();
+    LogBufferDump("title", pvBytes, 1, Keep);
+    VirtualFree(pvBytes, 0, MEM_RELEASE);
+    CHECK(s_calls == Strings{"title", "Address=0X34560000 Length=1\n", "00\n"});
 }
 
 TEST_CASE("a null buffer shows its title and its address only", "[diag][dump]")

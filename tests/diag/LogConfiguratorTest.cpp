@@ -187,6 +187,17 @@ TEST_CASE("the first rule that applies decides", "[diag][filter]")
     CHECK(reading.Decide("N..F") == 0);
 }
 
+TEST_CASE("each of many rules counts, in the order of the file", "[diag][filter]")
+{
+    const Reading reading(Rule("M", "", "F", "yes") + Rule("M", "", "G", "no") + Rule("M", "", "F", "no") +
+                          Rule("M", "", "G", "yes") + Rule("M", "", "H", "no") + Rule("M", "*", "*", "yes"));
+    CHECK(reading.Decide("M..F") == 1);
+    CHECK(reading.Decide("M..G") == -1);
+    CHECK(reading.Decide("M..H") == -1);
+    CHECK(reading.Decide("M..I") == 1);
+    CHECK(reading.Decide("N..F") == 0);
+}
+
 TEST_CASE("four lines with a rule's key make a rule, whichever they are", "[diag][filter]")
 {
     const auto [strText, bFilter] = GENERATE(table<std::string, bool>({

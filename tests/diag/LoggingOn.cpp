@@ -45,7 +45,9 @@ void LoggingOn::Start(const LogSetup& setup)
                           "category." +
                           setup.strCategory + "=" + setup.strPriority +
                           ", logFile\n"
-                          "appender.logFile=FileAppender\n"
+                          "appender.logFile=" +
+                          setup.strAppender +
+                          "\n"
                           "appender.logFile.fileName=" +
                           Narrow(m_strLog) +
                           "\n"

@@ -14,9 +14,10 @@
 /// What a test's log configuration holds.
 struct LogSetup
 {
-    std::vector<std::string> switches;     ///< output switches that are on for the module's category
-    std::string strPriority = "DEBUG";     ///< the priority of the module's category
-    std::string strPattern = "%m%n";       ///< the layout of the log file
+    std::vector<std::string> switches; ///< output switches that are on for the module's category
+    std::string strPriority = "DEBUG"; ///< the priority of the module's category
+    std::string strPattern = "%m%n";   ///< the layout of the log file
+    std::string strAppender = "FileAppender";
     std::string strMoreLines;              ///< lines behind all others, each with its line feed
     std::string strCategory = "VelUI_dll"; ///< the one category that writes to the log file
     bool bStarts = true;                   ///< whether logging is to be on afterwards; checked

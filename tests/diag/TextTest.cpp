@@ -2,10 +2,12 @@
 
 #include "diag/FunctionTrace.h"
 #include "diag/LogText.h"
+#include "tests/common/CrtLocale.h"
+#include "tests/common/ImportHook.h"
 
 #include <catch2/catch_test_macros.hpp>
 
-#include <clocale>
+#include <cerrno>
 
 namespace
 {
@@ -50,6 +52,7 @@ TEST_CASE("the address of a size is followed by the size without a sign", "[diag
 
 TEST_CASE("wide text is narrowed, null is empty, and what the locale can't represent is empty", "[diag][text]")
 {
+    const CrtLocale locale("C");
     CHECK(ToLogText(L"VelPrinter") == "VelPrinter");
     CHECK(ToLogText(static_cast<PCWSTR>(nullptr)).empty());
     CHECK(ToLogText(L"打印机").empty());
@@ -57,10 +60,105 @@ TEST_CASE("wide text is narrowed, null is empty, and what the locale can't repre
 
 TEST_CASE("wide text follows the C runtime's locale", "[diag][text]")
 {
-    const std::string strOld = std::setlocale(LC_ALL, nullptr);
-    REQUIRE(std::setlocale(LC_ALL, "chs") != nullptr);
+    const CrtLocale locale("chs");
     CHECK(ToLogText(L"打印机") == "\xB4\xF2\xD3\xA1\xBB\xFA");
-    std::setlocale(LC_ALL, strOld.c_str());
+}
+
+TEST_CASE("making a text leaves the error state alone", "[diag][text]")
+{
+    struct Row
+    {
+        const char* pszText;
+        void (*pfnMake)();
+    };
+    static DEVMODEW s_stuDevmode = {};
+    s_stuDevmode.dmFields = DM_FORMNAME;
+    wcscpy(s_stuDevmode.dmFormName, L"大16开");
+    static const HWND s_hDead = reinterpret_cast<HWND>(0x7FFFFFF0);
+    static const PCWSTR s_pszChinese = L"打印机";
+    const Row rows[] = {
+        {"wide text that the locale lacks", [] { ToLogText(s_pszChinese); }},
+        {"a record whose form's name the locale lacks", [] { ToLogText(s_stuDevmode); }},
+        {"the same by its address", [] { ToLogText(&s_stuDevmode); }},
+        {"a window that is gone", [] { ArgumentText(s_hDead); }},
+        {"a call line with both",
+         [] {
+             FunctionTrace trace("F");
+             trace.AddParam("pszChinese", &s_pszChinese);
+             trace.AddParams("hDead, stuDevmode", s_hDead, s_stuDevmode);
+             CallText(trace);
+         }},
+    };
+    const CrtLocale locale("C");
+    for (const Row& row : rows)
+    {
+        SetLastError(5);
+        errno = ENOENT;
+        _doserrno = 17;
+        row.pfnMake();
+        const DWORD dwLastError = GetLastError();
+        const int iErrno = errno;
+        const unsigned long ulDosErrno = _doserrno;
+        INFO(row.pszText);
+        CHECK(dwLastError == 5);
+        CHECK(iErrno == ENOENT);
+        CHECK(ulDosErrno == 17);
+    }
+}
+
+namespace
+{
+
+/// Memory that is there for no one, and what asking for it leaves.
+void* NoMemory(size_t)
+{
+    errno = ENOMEM;
+    _doserrno = ERROR_NOT_ENOUGH_MEMORY;
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return nullptr;
+}
+
+} // namespace
+
+TEST_CASE("without memory a text is empty and an argument is missing, and no exception comes out", "[diag][text]")
+{
+    const DEVMODEW stuDevmode = {};
+    const std::wstring strLong(100, L'x');
+    const PCWSTR pszLong = strLong.c_str();
+    const DWORD fMode = 1;
+    const DWORD* const pfMode = &fMode;
+    FunctionTrace before("F");
+    before.AddParam("pszLong", &pszLong);
+    FunctionTrace trace("F");
+    SetLastError(5);
+    errno = ENOENT;
+    _doserrno = 17;
+    std::string texts[7];
+    {
+        const ImportHook hook(nullptr, "malloc", &NoMemory);
+        texts[0] = ToLogText(pszLong);
+        texts[1] = ToLogText(stuDevmode);
+        texts[2] = ToLogText(&stuDevmode);
+        texts[3] = ArgumentText(reinterpret_cast<void*>(0x1234));
+        texts[4] = ArgumentText(reinterpret_cast<HWND>(0x7FFFFFF0));
+        texts[5] = ArgumentText(18446744073709551615ull);
+        texts[6] = CallText(before);
+        trace.AddParam("fMode", &fMode);
+        trace.AddParam("array", &pfMode, 1);
+        trace.AddParams("fMode, pszLong", fMode, pszLong);
+    }
+    const DWORD dwLastError = GetLastError();
+    const int iErrno = errno;
+    const unsigned long ulDosErrno = _doserrno;
+    CHECK(dwLastError == 5);
+    CHECK(iErrno == ENOENT);
+    CHECK(ulDosErrno == 17);
+    for (const std::string& strText : texts)
+    {
+        CHECK(strText.empty());
+    }
+    CHECK(trace.Params().empty());
+    CHECK(CallText(trace) == "F()");
 }
 
 TEST_CASE("a null record shows its address and nothing else", "[diag][text]")

@@ -4,8 +4,14 @@
 #include "settings/DriverDevmode.h"
 #include "support/module/PrinterInterface.h"
 #include "tests/common/ClientFixture.h"
+#include "tests/common/BuiltModule.h"
+#include "tests/common/CrtLocale.h"
 #include "tests/common/ImportHook.h"
 #include "tests/common/LogLines.h"
+#include "tests/common/TextsFrom.h"
+#include "tests/driver/SheetCalls.h"
+
+#include <log4cpp/NDC.hh>
 
 #include <catch2/catch_test_macros.hpp>
 
@@ -103,6 +109,72 @@ TEST_CASE_METHOD(EntryLogFixture, "DrvConvertDevMode prints its call line behind
     CHECK(lines[3] == "DEBUG - VelUI(#) : fMode = CDM_CONVERT351");
     CHECK(lines[4] == "Param - VelUI(#) : bReturn = 0");
     CHECK(lines[5] == "VelUI_dll__DrvConvertDevMode :End  ......");
+}
+
+TEST_CASE_METHOD(EntryLogFixture, "a percent sign in a printer's name is a conversion in the call line",
+                 "[driver][log]")
+{
+    wchar_t szPrinter[] = L"50%% off";
+    LONG lSize = 199;
+    DrvConvertDevMode(szPrinter, nullptr, nullptr, &lSize, CDM_CONVERT351);
+    const std::string strHead = "Param - DrvConvertDevMode([pPrinterName] = 50% off, ";
+    CHECK(Masked(logging).at(2).substr(0, strHead.size()) == strHead);
+}
+
+TEST_CASE_METHOD(EntryLogFixture, "an address above 4 GB shows its low half", "[driver][log]")
+{
+    DrvDeviceCapabilities(reinterpret_cast<HANDLE>(0x1234567890), nullptr, DC_SIZE,
+                          reinterpret_cast<void*>(0xABCDEF01234), nullptr);
+    const Lines lines = Masked(logging);
+    CHECK(lines.at(2) == "DEBUG - VelUI(#) : hPrinter = 0x34567890");
+    CHECK(lines.at(5) == "DEBUG - VelUI(#) : pvOutput = 0xDEF01234");
+}
+
+TEST_CASE_METHOD(EntryLogFixture, "an empty line follows the result of each entry point", "[driver][log]")
+{
+    const BuiltModule module;
+    const TextsFrom texts(module.handle);
+    wchar_t szNames[64] = {};
+    DrvSplDeviceCaps(nullptr, nullptr, DC_PAPERNAMES, szNames, 63, nullptr);
+    CHECK(logging.Has(" : dwReturn = 4294967295\n\n["));
+    LONG lSize = 199;
+    DrvConvertDevMode(nullptr, nullptr, nullptr, &lSize, CDM_CONVERT351);
+    CHECK(logging.Has(" : bReturn = 0\n\n["));
+    DOCUMENTPROPERTYHEADER header = {};
+    DrvDocumentPropertySheets(nullptr, reinterpret_cast<LPARAM>(&header));
+    CHECK(logging.Has(" : lReturn = 232\n\n["));
+    {
+        DeviceCalls calls(&DrvDevicePropertySheets);
+        CHECK(calls.Call(PROPSHEETUI_REASON_INIT) == 1);
+    }
+    CHECK(logging.Has(" : lReturn = 1\n\n["));
+    DrvPrinterEvent(nullptr, 99, 0, 0);
+    CHECK(logging.Has(" : bReturn = 1\n\n["));
+}
+
+TEST_CASE_METHOD(EntryLogFixture, "a name that the C locale lacks takes the rest of its line with it", "[driver][log]")
+{
+    const CrtLocale locale("C");
+    wchar_t szPrinter[] = L"打印机";
+    DrvDeviceCapabilities(nullptr, szPrinter, DC_SIZE, nullptr, nullptr);
+    const std::string strLine = Masked(logging).at(3);
+    CHECK(strLine.substr(0, 17) == "DEBUG - VelUI(#) ");
+    CHECK(strLine.find("打") == std::string::npos);
+}
+
+TEST_CASE_METHOD(EntryLogFixture, "an exception that leaves an entry point closes its scope", "[driver][log]")
+{
+    const BuiltModule module;
+    const TextsFrom texts(module.handle);
+    DocumentCalls calls(&DrvDocumentPropertySheets);
+    // The sheet library's function belongs to the host, which may throw.
+    calls.info.pfnComPropSheet = [](HANDLE, UINT, LPARAM, LPARAM) -> LONG_PTR { throw 7; };
+    stuDrvDevmode in = PlainRecord();
+    calls.header.pdmIn = &in.stuDevmode;
+    WriteCaps(PaperKeys(kPapers));
+    CHECK_THROWS_AS(calls.Call(PROPSHEETUI_REASON_INIT), int);
+    CHECK(log4cpp::NDC::getDepth() == 0);
+    CHECK(Masked(logging).back() == "VelUI_dll__DrvDocumentPropertySheets :End  ......");
 }
 
 TEST_CASE_METHOD(EntryLogFixture, "CDM_CONVERT has no error line of its own", "[driver][log]")

@@ -126,7 +126,7 @@ TEST_CASE_METHOD(ClientFixture, "200 loads and unloads with a log leave handles 
                                                    "category.VelUI_dll=DEBUG, log\n"
                                                    "appender.log=FileAppender\n"
                                                    "appender.log.fileName=" +
-                                                       strLog + "\n");
+                                                       strLog + "\nappender.log.layout=SimpleLayout\n");
     for (int i = 0; i < 20; ++i)
     {
         UseOnce();
@@ -137,11 +137,37 @@ TEST_CASE_METHOD(ClientFixture, "200 loads and unloads with a log leave handles 
     {
         UseOnce();
     }
-    CHECK(PathExists(folder.File(L"log.txt")));
+    CHECK(ReadFileBytes(folder.File(L"log.txt")).find("DrvDeviceCapabilities was invoked.") != std::string::npos);
     CHECK(NextHandle() == uiHandle);
     const size_t cbAfter = HeapInUse();
     CAPTURE(cbHeap, cbAfter);
     CHECK(cbAfter < cbHeap + 200 * 16);
+}
+
+TEST_CASE_METHOD(ClientFixture, "1,000 loads with a log and no call between leave memory as before", "[driver][load]")
+{
+    const std::string strLog = std::filesystem::path(folder.File(L"log.txt")).string();
+    WriteFileBytes(folder.File(L"LogConfig.conf"), "rootCategory=ERROR\n"
+                                                   "category.VelUI_dll=DEBUG, log\n"
+                                                   "appender.log=FileAppender\n"
+                                                   "appender.log.fileName=" +
+                                                       strLog + "\nappender.log.layout=SimpleLayout\n");
+    const auto load = [](int iTimes) {
+        for (int i = 0; i < iTimes; ++i)
+        {
+            const HMODULE hModule = LoadLibraryW(ModulePath().c_str());
+            REQUIRE(hModule != nullptr);
+            FreeLibrary(hModule);
+        }
+    };
+    load(20);
+    REQUIRE(PathExists(folder.File(L"log.txt")));
+    const size_t cbHeap = HeapInUse();
+    load(1000);
+    // The call stack that the start's own line makes on the thread has some 32 bytes.
+    const size_t cbAfter = HeapInUse();
+    CAPTURE(cbHeap, cbAfter);
+    CHECK(cbAfter < cbHeap + 1000 * 16);
 }
 
 TEST_CASE("the module can be unloaded while threads that used it go on", "[driver][load]")

@@ -1,10 +1,13 @@
+// Where the module looks for its log configuration.
+
 #include "driver/Module.h"
+#include "tests/common/ImportHook.h"
 #include "tests/common/PrivateRegistry.h"
 #include "tests/common/TempFolder.h"
 
 #include <catch2/catch_test_macros.hpp>
 
-#include <share.h>
+#include <cstdio>
 
 namespace
 {
@@ -57,7 +60,7 @@ TEST_CASE_METHOD(LogConfigFixture, "a client key without InstallDir falls throug
 
 TEST_CASE_METHOD(LogConfigFixture, "InstallDir's bytes are taken as text whatever their type", "[driver][logconfig]")
 {
-    // Four bytes with the terminator: the folder "C:\" less its end, as a number.
+    // A number of four bytes, which are the text of the current folder with its terminator.
     registry.SetBytes(L"Software\\Vel-soft\\Client", L"InstallDir", REG_DWORD, ".\0\0\0", 4);
     wchar_t szOld[MAX_PATH];
     GetCurrentDirectoryW(MAX_PATH, szOld);
@@ -88,10 +91,41 @@ TEST_CASE_METHOD(LogConfigFixture, "a folder in the file's place counts as absen
     CHECK(GetLogConfigFile().empty());
 }
 
-TEST_CASE_METHOD(LogConfigFixture, "an InstallDir of more than 260 bytes counts as absent", "[driver][logconfig]")
+namespace
 {
+
+/// A machine on which every file is there: names of this length are more than the platform opens.
+int FindAnyFile(const char*, int)
+{
+    return 0;
+}
+
+FILE* OpenAnyFile(const char*, const char* pszMode)
+{
+    const auto pfnOpen = reinterpret_cast<FILE* (*)(const char*, const char*)>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt"), "fopen")));
+    return pfnOpen("NUL", pszMode);
+}
+
+} // namespace
+
+TEST_CASE_METHOD(LogConfigFixture, "an InstallDir of up to 260 bytes with its terminator is read, a longer one is not",
+                 "[driver][logconfig]")
+{
+    const ImportHook access(nullptr, "_access", &FindAnyFile);
+    const ImportHook open(nullptr, "fopen", &OpenAnyFile);
+    registry.SetClient(L"InstallDir", std::wstring(259, L'f'));
+    CHECK(GetLogConfigFile() == std::string(259, 'f') + "\\LogConfig.conf");
     registry.SetClient(L"InstallDir", std::wstring(260, L'f'));
     CHECK(GetLogConfigFile().empty());
-    registry.SetClient(L"InstallDir", std::wstring(259, L'f'));
-    CHECK(GetLogConfigFile().empty()); // read, but there is no such file
+}
+
+TEST_CASE_METHOD(LogConfigFixture, "an InstallDir that was stored without a terminator is a folder too",
+                 "[driver][logconfig]")
+{
+    const ImportHook access(nullptr, "_access", &FindAnyFile);
+    const ImportHook open(nullptr, "fopen", &OpenAnyFile);
+    const std::string strBytes(260, 'f');
+    registry.SetBytes(L"Software\\Vel-soft\\Client", L"InstallDir", REG_BINARY, strBytes.data(), 260);
+    CHECK(GetLogConfigFile() == strBytes + "\\LogConfig.conf");
 }

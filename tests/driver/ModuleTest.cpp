@@ -77,15 +77,33 @@ TEST_CASE("the module loads without any key and makes no log file", "[driver][mo
     CHECK(uiFiles == 0);
 }
 
-TEST_CASE("a log configuration that log4cpp refuses lets the module load and work", "[driver][module]")
+TEST_CASE("a log configuration that log4cpp refuses lets the module load and work without a log", "[driver][module]")
 {
     const TempFolder folder;
     PrivateRegistry registry;
     registry.SetClient(L"InstallDir", folder.Path());
-    WriteFileBytes(folder.File(L"LogConfig.conf"), "log4cpp.rootCategory=NONSENSE, missing\nno equals sign\n");
-    const BuiltModule module;
-    CHECK(module.handle != nullptr);
-    CHECK(module.DeviceCapabilities(nullptr, nullptr, DC_SIZE, nullptr, nullptr) == 220);
+    const std::wstring strLog = folder.File(L"log.txt");
+    const std::string strConfig = "rootCategory=ERROR\n"
+                                  "category.VelUI_dll=DEBUG, file\n"
+                                  "appender.file=FileAppender\n"
+                                  "appender.file.fileName=" +
+                                  std::string(strLog.begin(), strLog.end()) +
+                                  "\n"
+                                  "appender.file.layout=SimpleLayout\n";
+    const auto logOf = [&](const std::string& strText) {
+        WriteFileBytes(folder.File(L"LogConfig.conf"), strText);
+        DeleteFileW(strLog.c_str());
+        {
+            const BuiltModule module;
+            CHECK(module.QueryPrintEx(nullptr) == 1);
+            CHECK(module.DeviceCapabilities(nullptr, nullptr, DC_EXTRA, nullptr, nullptr) == 12);
+        }
+        CHECK(PathExists(strLog)); // the library has read that far
+        return ReadFileBytes(strLog);
+    };
+    CHECK(logOf(strConfig + "category.VelUI_dll.F=NONSENSE\n").empty());
+    CHECK(logOf(strConfig + "category.VelUI_dll.F=ERROR, missing\n").empty());
+    CHECK(logOf(strConfig + "no equals sign\n").find("DevQueryPrintEx was invoked.") != std::string::npos);
 }
 
 TEST_CASE("DevQueryPrintEx answers 1 and does not touch its argument", "[driver][module]")

@@ -5,6 +5,7 @@
 #include "tests/common/Handles.h"
 #include "tests/common/TextsFrom.h"
 #include "tests/faults/FaultPoint.h"
+#include "tests/faults/FaultTable.h"
 #include "tests/ui/SheetDataFixture.h"
 
 #include "state/FileLocker.h"
@@ -12,6 +13,7 @@
 #include <catch2/catch_test_macros.hpp>
 
 #include <cstdio>
+#include <map>
 #include <new>
 #include <string>
 #include <vector>
@@ -48,7 +50,8 @@ struct FaultFixture : ClientFixture
     }
 
     /// Runs work with each function failing at each of its calls, once alone and once with all calls behind it failing
-    /// too. Every run must leave the handles and the locks as they were, and afterwards the work must do again.
+    /// too. Every run must leave the handles and the locks as they were, and afterwards the work must do again. What
+    /// was reached must be what docs/faults.md says.
     /// @param work does the work, and tells whether its result is a documented one. Memory that
     ///             the C++ library can't get is documented to leave the module as an exception.
     /// @param check tells, behind the work and without a failure, whether the files are as documented.
@@ -57,16 +60,13 @@ struct FaultFixture : ClientFixture
     {
         REQUIRE(work()); // without a failure
         REQUIRE(check());
-        std::string strPoints;
+        std::map<std::string, int> reached;
         for (const FaultyFunction& function : functions)
         {
-            const int iPoints = InjectFunction(pszWork, function, work, check);
-            if (iPoints != 0)
-            {
-                strPoints += std::string(" ") + function.pszName + " " + std::to_string(iPoints);
-            }
+            reached[function.pszName] = InjectFunction(pszWork, function, work, check);
         }
-        std::printf("faults: %s:%s\n", pszWork, strPoints.c_str());
+        TellRow(pszWork, functions, reached);
+        CheckFaultRow(pszWork, reached);
         Restore();
         CHECK(work());
         CHECK(check());
@@ -78,6 +78,23 @@ struct FaultFixture : ClientFixture
     }
     /// Whether a call of this function has failed in the present run.
     bool Failed(const char* pszFunction) const { return m_strFailing == pszFunction && FaultScope::Reached(); }
+    /// Whether a call of the one function that can fail has failed in the present run.
+    bool AnyFailed() const { return !m_strFailing.empty() && FaultScope::Reached(); }
+    /// Prints a row of the table in docs/faults.md, for whoever has to change it.
+    static void TellRow(const char* pszWork, const FaultyFunctions& functions,
+                        const std::map<std::string, int>& reached)
+    {
+        std::string strRow;
+        for (const FaultyFunction& function : functions)
+        {
+            if (const int iPoints = reached.at(function.pszName); iPoints != 0)
+            {
+                strRow +=
+                    (strRow.empty() ? "`" : ", `") + std::string(function.pszName) + "` " + std::to_string(iPoints);
+            }
+        }
+        std::printf("faults: | %s | %s |\n", pszWork, strRow.c_str());
+    }
 
     HMODULE hFaulty = nullptr; ///< whose calls fail; null for the test program's
 

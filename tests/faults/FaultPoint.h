@@ -13,10 +13,15 @@ struct FaultPlan
     bool bOnwards = false; ///< whether all calls behind it fail too
     int iCalls = 0;        ///< calls so far
     void* pfnReal = nullptr;
+    bool bArmed = true; ///< whether calls count at all
 
     /// Counts a call. @return whether it is to fail.
     bool Fails()
     {
+        if (!bArmed)
+        {
+            return false;
+        }
         ++iCalls;
         return iFailing != 0 && (bOnwards ? iCalls >= iFailing : iCalls == iFailing);
     }
@@ -58,13 +63,16 @@ struct FaultyFunction
 
 /// Describes a function, what a call that fails answers, and the last error that it leaves. The platform has one
 /// calling convention on the target.
-#define FAULTY(function, failed, error)                                                                                \
+#define FAULTY(function, failed, error) FAULTY_AS(function, decltype(function), failed, error)
+
+/// The same for a function whose declared type can't be used, with the type of the calls that are made.
+#define FAULTY_AS(function, type, failed, error)                                                                       \
     FaultyFunction                                                                                                     \
     {                                                                                                                  \
-#function, reinterpret_cast<void (*)()>(&Faulty<decltype(function)>::Call), [] { \
-            Faulty<decltype(function)>::s_failed = failed; \
-            Faulty<decltype(function)>::s_dwError = error; \
-        }                                     \
+#function, reinterpret_cast<void (*)()>(&Faulty<type>::Call), [] { \
+            Faulty<type>::s_failed = failed; \
+            Faulty<type>::s_dwError = error; \
+        }                                                   \
     }
 
 /// Makes one function fail by a plan for the length of a scope.
@@ -76,13 +84,15 @@ public:
         : m_hook(hModule, function.pszName, function.pfnReplacement)
     {
         function.pfnPrepare();
-        s_faultPlan = {iFailing, bOnwards, 0, m_hook.Original()};
+        s_faultPlan = {iFailing, bOnwards, 0, m_hook.Original(), true};
     }
 
     /// Whether a call has failed in this scope, or in the last one when none stands.
     static bool Reached() { return s_faultPlan.iCalls >= s_faultPlan.iFailing; }
     /// Which call was the first to fail.
     static int FirstFailing() { return s_faultPlan.iFailing; }
+    /// Whether the calls behind it fail too.
+    static bool FailsOnwards() { return s_faultPlan.bOnwards; }
 
 private:
     ImportHook m_hook;

@@ -5,12 +5,13 @@
 
 #include "driver/ResidentClient.h"
 #include "state/MachineIdentity.h"
+#include "state/StoreTypes.h"
+#include "support/Exception.h"
+#include "support/ProcessUtilities.h"
 #include "support/module/PrinterInterface.h"
-#include "tests/common/StandIns.h"
 #include "tests/faults/FaultFixture.h"
 
 #include <iphlpapi.h>
-#include <shlobj.h>
 #include <tlhelp32.h>
 
 namespace
@@ -18,31 +19,43 @@ namespace
 
 const FaultyFunctions kProcessFunctions = {
     FAULTY(GetUserNameW, FALSE, ERROR_NO_SUCH_LOGON_SESSION),
-    FAULTY(SHGetFolderPathW, E_FAIL, ERROR_FILE_NOT_FOUND),
     FAULTY(CreateToolhelp32Snapshot, INVALID_HANDLE_VALUE, ERROR_NOT_ENOUGH_MEMORY),
     FAULTY(Process32FirstW, FALSE, ERROR_NO_MORE_FILES),
     FAULTY(Process32NextW, FALSE, ERROR_NO_MORE_FILES),
     FAULTY(OpenProcessToken, FALSE, ERROR_ACCESS_DENIED),
     FAULTY(LookupPrivilegeValueW, FALSE, ERROR_NO_SUCH_PRIVILEGE),
     FAULTY(AdjustTokenPrivileges, FALSE, ERROR_ACCESS_DENIED),
-    FAULTY(GetFullPathNameW, 0, ERROR_INVALID_NAME),
     FAULTY(_waccess, -1, ERROR_ACCESS_DENIED),
     FAULTY(_wspawnv, -1, ERROR_BAD_EXE_FORMAT),
-    FAULTY(FormatMessageW, 0, ERROR_MR_MID_NOT_FOUND),
     FAULTY(malloc, nullptr, ERROR_NOT_ENOUGH_MEMORY),
 };
 
-/// A client's file that is no program, so that each check comes as far as its start and no farther.
+int s_iStarts = 0;
+
+/// Counts what would be started.
+intptr_t CountStart(int, const wchar_t*, const wchar_t* const*)
+{
+    ++s_iStarts;
+    return -1;
+}
+
+int FindAnyFile(const wchar_t*, int)
+{
+    return 0;
+}
+
+/// A client's program that is always there and never runs, wherever the process takes its folder to be.
 struct LauncherFaults : FaultFixture
 {
-    LauncherFaults()
+    /// Whether a check starts the client, as it should without a failure.
+    static bool Starts()
     {
-        const std::wstring strFolder = folder.File(L"Program Files\\Vel-soft\\Client");
-        MakeFolders(strFolder);
-        WriteFileBytes(strFolder + L"\\VelprintD.exe", "no program");
-        registry.SetText(L"Software\\Microsoft\\Windows\\CurrentVersion", L"ProgramFilesDir",
-                         folder.File(L"Program Files"));
+        s_iStarts = 0;
+        CheckResidentClient(); // no result, and never an exception
+        return s_iStarts == 1;
     }
+    const ImportHook access{nullptr, "_waccess", &FindAnyFile};
+    const ImportHook spawn{nullptr, "_wspawnv", &CountStart};
     const UserName user{L"mei"};
 };
 
@@ -68,9 +81,64 @@ struct EventFaults : FaultFixture
 
 TEST_CASE_METHOD(LauncherFaults, "the launcher of the resident client survives each failure", "[faults]")
 {
-    Inject("CheckResidentClient", kProcessFunctions, [] {
-        CheckResidentClient(); // no result, and never an exception
-        return true;
+    int iStartsWithoutMemory = 0;
+    Inject("CheckResidentClient", kProcessFunctions, [&] {
+        const bool bStarts = Starts();
+        if (Failed("malloc"))
+        {
+            iStartsWithoutMemory += bStarts ? 1 : 0;
+            return !bStarts || !FaultScope::FailsOnwards();
+        }
+        // The right to debug is wanted and not needed, and a walk that ends early is a walk. The last one, the start's
+        // own failure, is not looked at: it took the place of the count.
+        bool bStops = false;
+        for (const char* const pszFunction :
+             {"GetUserNameW", "CreateToolhelp32Snapshot", "Process32FirstW", "_waccess", "_wspawnv"})
+        {
+            bStops = bStops || Failed(pszFunction);
+        }
+        return bStarts == !bStops;
+    });
+    // One block alone is missed without an end of the check: those of the guard of the privilege's token, which are
+    // two.
+    CHECK(iStartsWithoutMemory == 2);
+}
+
+TEST_CASE_METHOD(LauncherFaults, "the text of a failed check is made without the system's text", "[faults]")
+{
+    const UserName nobody{nullptr}; // the check ends with the first call's failure, whose text is made
+    const FaultyFunctions functions = {
+        FAULTY(FormatMessageW, 0, ERROR_MR_MID_NOT_FOUND),
+        FAULTY(malloc, nullptr, ERROR_NOT_ENOUGH_MEMORY),
+    };
+    Inject("CheckResidentClient, without a user", functions, [] { return !Starts(); });
+}
+
+TEST_CASE_METHOD(FaultFixture, "the search for a process's module survives each failure", "[faults]")
+{
+    const FaultyFunctions functions = {
+        FAULTY(CreateToolhelp32Snapshot, INVALID_HANDLE_VALUE, ERROR_NOT_ENOUGH_MEMORY),
+        FAULTY(Module32FirstW, FALSE, ERROR_NO_MORE_FILES),
+        FAULTY(Module32NextW, FALSE, ERROR_NO_MORE_FILES),
+        FAULTY(OpenProcessToken, FALSE, ERROR_ACCESS_DENIED),
+        FAULTY(GetFullPathNameW, 0, ERROR_INVALID_NAME),
+    };
+    wchar_t szProgram[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, szProgram, MAX_PATH);
+    // The program itself stands first in the walk, so that one that ends early has found it.
+    Inject("IsProcessHostingModule", functions, [&] {
+        bool bFound = false;
+        bool bThrown = false;
+        try
+        {
+            bFound = Win32::IsProcessHostingModule(GetCurrentProcessId(), szProgram);
+        }
+        catch (const Win32::Win32Exception& exception)
+        {
+            bThrown = exception.errorCode == ERROR_INVALID_NAME;
+        }
+        const bool bNoWalk = Failed("CreateToolhelp32Snapshot") || Failed("Module32FirstW");
+        return bThrown == Failed("GetFullPathNameW") && bFound == (!bNoWalk && !bThrown);
     });
 }
 
@@ -96,11 +164,11 @@ TEST_CASE_METHOD(FaultFixture, "the machine's identity survives each failure", "
         FAULTY(gethostbyname, nullptr, WSAHOST_NOT_FOUND),  FAULTY(GetAdaptersInfo, ERROR_NO_DATA, ERROR_NO_DATA),
         FAULTY(malloc, nullptr, ERROR_NOT_ENOUGH_MEMORY),
     };
-    Inject("GetLocalMachineInfo", functions, [] {
+    Inject("GetLocalMachineInfo", functions, [this] {
         wchar_t szHostName[256] = {};
         BYTE abyMac[6];
         BYTE abyIP[4];
         const DWORD dwStatus = VelUtility::GetLocalMachineInfo(szHostName, 256, abyMac, abyIP);
-        return dwStatus == 0 || dwStatus == 1;
+        return dwStatus == (AnyFailed() ? VelUtility::PSERR_FAILED : VelUtility::PSERR_OK);
     });
 }

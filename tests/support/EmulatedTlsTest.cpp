@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <cstring>
 #include <stdexcept>
 #include <string>
 
@@ -21,7 +22,51 @@ thread_local Wide t_wide = {{1, 2, 3}};
 template <int i>
 thread_local int t_iNumbered = i;
 
+/// What the compiler emits for a variable, as its ABI has it.
+struct EmittedVariable
+{
+    std::uintptr_t size;
+    std::uintptr_t align;
+    std::uintptr_t number;
+    const void* templ;
+};
+
 } // namespace
+
+// The compiler has both built in, with void* for what is emitted.
+extern "C" void* __emutls_get_address(void* pvVariable);
+extern "C" void __emutls_register_common(void* pvVariable, std::uintptr_t size, std::uintptr_t align, void* templ);
+
+TEST_CASE("a variable that several objects define gets the largest size and alignment of all", "[support][tls]")
+{
+    static EmittedVariable s_variable = {4, 4, 0, nullptr};
+    __emutls_register_common(&s_variable, 64, 32, nullptr);
+    CHECK(s_variable.size == 64);
+    CHECK(s_variable.align == 32);
+    __emutls_register_common(&s_variable, 8, 8, nullptr); // a smaller definition changes nothing
+    CHECK(s_variable.size == 64);
+    CHECK(s_variable.align == 32);
+    auto* const pbyVariable = static_cast<unsigned char*>(__emutls_get_address(&s_variable));
+    CHECK(reinterpret_cast<std::uintptr_t>(pbyVariable) % 32 == 0);
+    CHECK(pbyVariable[0] == 0);
+    CHECK(pbyVariable[63] == 0);
+}
+
+TEST_CASE("a variable that several objects define starts from the value of the one that has its size", "[support][tls]")
+{
+    static unsigned char s_abySmall[4] = {1, 1, 1, 1};
+    static unsigned char s_abyLarge[8] = {1, 2, 3, 4, 5, 6, 7, 8};
+    static EmittedVariable s_variable = {4, 4, 0, s_abySmall};
+    __emutls_register_common(&s_variable, 8, 4, nullptr);
+    CHECK(s_variable.templ == nullptr); // too short for the larger one
+    __emutls_register_common(&s_variable, 4, 4, s_abySmall);
+    CHECK(s_variable.templ == nullptr);
+    __emutls_register_common(&s_variable, 8, 4, s_abyLarge);
+    CHECK(s_variable.templ == s_abyLarge);
+    __emutls_register_common(&s_variable, 8, 4, nullptr);
+    CHECK(s_variable.templ == s_abyLarge);
+    OnThread([] { CHECK(std::memcmp(__emutls_get_address(&s_variable), s_abyLarge, sizeof(s_abyLarge)) == 0); });
+}
 
 TEST_CASE("a thread's variable starts from its initial value and is the thread's own", "[support][tls]")
 {

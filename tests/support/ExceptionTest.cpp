@@ -1,13 +1,17 @@
 #include "support/Exception.h"
 #include "support/TextConversion.h"
 #include "tests/common/BuiltModule.h"
-#include "tests/common/ChildProcess.h"
+#include "tests/common/ChildCase.h"
+#include "tests/common/CrtLocale.h"
+#include "tests/common/HeapUse.h"
+#include "tests/common/ImportHook.h"
 #include "tests/common/TempFolder.h"
 
 #include <catch2/catch_test_macros.hpp>
 
 #include <cerrno>
-#include <clocale>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
@@ -17,20 +21,6 @@ using namespace Language;
 
 namespace
 {
-
-/// The C runtime's locale for the length of a scope.
-class CrtLocale
-{
-public:
-    explicit CrtLocale(const char* pszName) : m_strOld(std::setlocale(LC_ALL, nullptr))
-    {
-        REQUIRE(std::setlocale(LC_ALL, pszName) != nullptr);
-    }
-    ~CrtLocale() { std::setlocale(LC_ALL, m_strOld.c_str()); }
-
-private:
-    std::string m_strOld;
-};
 
 template <typename Thrown, typename Make>
 std::string CaughtAs(Make make)
@@ -190,6 +180,74 @@ TEST_CASE("narrowing what the locale can't represent stops the process", "[suppo
     CHECK(dwCode == 3); // what the C runtime's abort ends a process with
     CHECK(PathExists(folder.File(L"proof.before")));
     CHECK_FALSE(PathExists(folder.File(L"proof.after")));
+}
+
+namespace
+{
+
+/// Whether the host's own handling of an invalid parameter ends the process, as a child's variable says.
+constexpr wchar_t kHostEnds[] = L"VELUI_TEST_HOST_ENDS";
+
+/// Plays the C runtime with a handler that the host has set.
+void InvalidParameter(const wchar_t*, const wchar_t*, const wchar_t*, unsigned, std::uintptr_t)
+{
+    if (GetEnvironmentVariableW(kHostEnds, nullptr, 0) != 0)
+    {
+        ExitProcess(42);
+    }
+    std::puts("the host was asked");
+}
+
+FARPROC WINAPI FindInvalidParameter(HMODULE hModule, LPCSTR pszName)
+{
+    CHECK(hModule == GetModuleHandleW(L"msvcrt"));
+    CHECK(std::string(pszName) == "_invalid_parameter");
+    return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&InvalidParameter));
+}
+
+} // namespace
+
+// Run by the next case in processes of its own.
+TEST_CASE("child: narrowing under a host with its own handling", "[.child]")
+{
+    const ImportHook hook(nullptr, "GetProcAddress", &FindInvalidParameter);
+    InvalidDataException(L"命令").What();
+}
+
+TEST_CASE("the host's own handling of invalid parameters decides what narrowing ends in", "[support][conversion]")
+{
+    CHECK(GetProcAddress(GetModuleHandleW(L"msvcrt"), "_invalid_parameter") != nullptr);
+    SetEnvironmentVariableW(kHostEnds, L"1");
+    CHECK(ExitCodeOfCase(L"child: narrowing under a host with its own handling") == 42);
+    SetEnvironmentVariableW(kHostEnds, nullptr);
+    CHECK(ExitCodeOfCase(L"child: narrowing under a host with its own handling") == 3); // its handler returns
+}
+
+TEST_CASE("the texts of 1,000 exceptions are given back", "[support][exceptions]")
+{
+    const auto throwOnce = [] {
+        try
+        {
+            SetLastError(ERROR_FILE_NOT_FOUND);
+            Win32::ThrowLastError(L"SomeApi");
+        }
+        catch (const Exception& exception)
+        {
+            return exception.Detail().size() + exception.WhatW().size();
+        }
+        return size_t{0};
+    };
+    REQUIRE(throwOnce() > 40);
+    const size_t cbRuntime = HeapInUse();
+    const size_t cbSystem = HeapInUse(GetProcessHeap()); // where the system's texts come from
+    size_t uiLength = 0;
+    for (int i = 0; i < 1000; ++i)
+    {
+        uiLength += throwOnce();
+    }
+    CHECK(uiLength == 1000 * throwOnce());
+    CHECK(HeapInUse() <= cbRuntime);
+    CHECK(HeapInUse(GetProcessHeap()) <= cbSystem);
 }
 
 TEST_CASE("the wide texts of what the locale can't represent are whole", "[support][exceptions]")
