@@ -3,6 +3,8 @@
 # document sheet is shown: on the display, if there is one, or under Xvfb, from where its pages are saved as pictures.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+# What a user in China has; a sheet of the platform's own library comes up whole under this code page alone.
+export VELUI_LOCALE=${VELUI_LOCALE:-zh_CN.UTF-8}
 if [ "${1:-}" != --inside ]; then
     [ -z "${DISPLAY:-}" ] || export VELUI_SHOW=1
     exec tools/wine.sh --session tools/run.sh --inside

@@ -10,7 +10,8 @@
 #
 # A session shows its windows under an Xvfb of its own, so that they come and go on nobody's desktop. VELUI_SHOW=1 shows
 # them on the display that DISPLAY names, if there is one.
-# VELUI_WINEPREFIX names another prefix. VELUI_LOCALE=zh_CN.UTF-8 gives code page 936; the default is 1252.
+# VELUI_WINEPREFIX names another prefix. VELUI_LOCALE=zh_CN.UTF-8 gives code page 936, VELUI_LOCALE=C.UTF-8 1252; without
+# it a sheet (velhost sheet) is shown under 936, as its users see it, and all else runs under 1252.
 
 # Programs start at addresses that do not vary. Linux puts a program's heap anywhere in the gigabyte behind it, and once in
 # a thousand starts that is the page at 0x7ffe0000 that Wine must have: the program then ends before its first line
@@ -32,7 +33,11 @@ export WINEDEBUG="${WINEDEBUG:--all}"
 # A crash must end the process with its code: the debugger would sometimes turn it into a 0, or wait in a dialog.
 export WINEDLLOVERRIDES="winedbg.exe,winemenubuilder.exe,mscoree,mshtml=d"
 export LOCPATH="$build/locale"
-export LC_ALL="${VELUI_LOCALE:-C.UTF-8}"
+case "$*" in
+    *velhost.exe\ sheet*) locale=zh_CN.UTF-8 ;;
+    *) locale=C.UTF-8 ;;
+esac
+export LC_ALL="${VELUI_LOCALE:-$locale}"
 [ "$LC_ALL" = C.UTF-8 ] && unset LOCPATH
 
 if [ "$1" = --stop ]; then

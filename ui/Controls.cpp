@@ -57,6 +57,9 @@ int SubCheckAllNum(const wchar_t* szprint, size_t uiCount)
     SubLoadString(IDS_WARNING_TEXT, strText);
     for (size_t i = 0; i < uiCount; ++i)
     {
+        // Required: the C runtime's digits, which are those of Windows' character types: full-width digits among them,
+        // which a Chinese keyboard writes and which count like the plain ones, but also raised ones ("²"), which have
+        // no value in a number and count as 0.
         if (std::iswdigit(szprint[i]) == 0)
         {
             MessageBoxW(nullptr, strText.c_str(), strCaption.c_str(), MB_OK);

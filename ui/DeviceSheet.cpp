@@ -41,7 +41,8 @@ EntryAnswer<LONG> PlayDeviceSheet(PPROPSHEETUI_INFO pPSUIInfo)
     if (pPSUIInfo == nullptr || pPSUIInfo->lParamInit == 0)
     {
         LOG_ERROR("pPSUIInfo = 0x%08X", LowBits(pPSUIInfo));
-        // Required: no guard against the null pointer stands before this read, which so faults while errors are logged.
+        // Required: no guard against the null pointer stands before this read, so that a host that passes none is told
+        // of by a fault as soon as the category lets errors through (a filter is asked only behind the read).
         LOG_ERROR("(PDEVICEPROPERTYHEADER)pPSUIInfo->lParamInit = 0x%08X",
                   static_cast<unsigned>(pPSUIInfo->lParamInit));
         SetLastError(ERROR_INVALID_DATA);

@@ -5,9 +5,9 @@
 #include "support/module/PrinterInterface.h"
 
 /// Plays the device sheet's side of one call of the sheet library.
-/// @param pPSUIInfo the library's call; null and one without lParamInit are refused with last error 13, without a
-/// result
-///                  line. While errors are logged a null pPSUIInfo faults. Neither the DEVICEPROPERTYHEADER at
-///                  lParamInit nor UserData is used.
+/// @param pPSUIInfo the library's call. One without lParamInit is refused with last error 13, without a result line. So
+///                  is null, but only with logging off or the category's priority above ERROR: as soon as that lets
+///                  errors through, whether or not a filter then keeps them back, null faults. Neither the
+///                  DEVICEPROPERTYHEADER at lParamInit nor UserData is used.
 /// @return 1, or -1 for a failure.
 EntryAnswer<LONG> PlayDeviceSheet(PPROPSHEETUI_INFO pPSUIInfo);

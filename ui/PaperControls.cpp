@@ -41,6 +41,7 @@ constexpr wchar_t kCustomPaper[] = L"自定义";
 /// @return its index, or CB_ERR with the selection unchanged.
 LRESULT SelectPaper(HWND hDlg, const wchar_t* pszName)
 {
+    ShowNameFromStart(hDlg);
     return SendDlgItemMessageW(hDlg, IDC_PAPER, CB_SELECTSTRING, static_cast<WPARAM>(-1),
                                reinterpret_cast<LPARAM>(pszName));
 }
@@ -143,6 +144,12 @@ void ReadCustomSize(HWND hDlg, DEVMODEW& stuDevmode)
 }
 
 } // namespace
+
+void ShowNameFromStart(HWND hDlg)
+{
+    constexpr WORD kEndOfText = 0x7FFF;
+    PostMessageW(GetDlgItem(hDlg, IDC_PAPER), CB_SETEDITSEL, 0, MAKELPARAM(kEndOfText, 0));
+}
 
 int SubInitPaperSize(const stuPassData* pstuPassData, HWND hDlg)
 {

@@ -31,6 +31,10 @@ int SubInitPaperSize(const stuPassData* pstuPassData, HWND hDlg);
 /// @return 1 when found, else 0.
 int GetDevDefPaperName(const stuPassData* pstuPassData, wchar_t* aszPaperName);
 
+/// Makes the paper box show a name that is too long for it from its beginning, as soon as the box has the name: all of
+/// it is selected from its end to its start, so that the caret, which the box keeps in sight, stands at the start.
+void ShowNameFromStart(HWND hDlg);
+
 /// Shows the selected paper's size. A custom paper leaves the boxes alone, or exchanges them while bNoSwap is 0.
 int Sub_On_Combo(HWND hDlg, const stuPassData* pstuPassData);
 /// Selects the paper whose size was typed.

@@ -28,6 +28,7 @@ constexpr int kHandled = 1;
 int OnPaper(HWND hDlg, const stuPassData* pstuPassData)
 {
     Sub_On_Combo(hDlg, pstuPassData);
+    ShowNameFromStart(hDlg);
     return kHandled;
 }
 
@@ -78,7 +79,8 @@ int OnCommand(HWND hDlg, WPARAM wParam, int iReturn)
     {
         return iReturn;
     }
-    // A page whose data could not be bound to it has nothing to work with.
+    // Beyond what the page owes: one whose data could not be bound to it has nothing to work with, and a click on it
+    // would end the host.
     const stuPassData* const pstuPassData = BoundSheetData(hDlg);
     if (pRow->pfnHandle != nullptr && pstuPassData != nullptr)
     {

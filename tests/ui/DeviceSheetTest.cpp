@@ -164,7 +164,33 @@ TEST_CASE("child: a device sheet without its call while errors are logged", "[.c
     DrvDevicePropertySheets(nullptr, 0);
 }
 
-TEST_CASE("a device sheet without its call faults while errors are logged", "[driver][device]")
+// So is this. The filter keeps the two lines back, but it is asked only behind the read.
+TEST_CASE("child: a device sheet without its call while a filter keeps its errors back", "[.child]")
+{
+    LogSetup setup;
+    setup.strMoreLines = "filter.module=VelUI_dll\n"
+                         "filter.class=\n"
+                         "filter.function=DrvDevicePropertySheets\n"
+                         "filter.putoutpermission=no\n";
+    const LoggingOn logging{setup};
+    PROPSHEETUI_INFO info = {};
+    REQUIRE(DrvDevicePropertySheets(&info, 0) == -1);
+    REQUIRE_FALSE(logging.Has("pPSUIInfo = "));
+    DrvDevicePropertySheets(nullptr, 0);
+}
+
+TEST_CASE("a device sheet without its call faults while its category lets errors through", "[driver][device]")
 {
     CHECK(IsFault(ExitCodeOfCase(L"child: a device sheet without its call while errors are logged")));
+    CHECK(IsFault(ExitCodeOfCase(L"child: a device sheet without its call while a filter keeps its errors back")));
+}
+
+TEST_CASE("a device sheet without its call is refused while its category lets no errors through", "[driver][device]")
+{
+    LogSetup setup;
+    setup.strPriority = "FATAL";
+    const LoggingOn logging{setup};
+    SetLastError(7777);
+    CHECK(DrvDevicePropertySheets(nullptr, 0) == -1);
+    CHECK(GetLastError() == 13);
 }

@@ -3,8 +3,7 @@
 #include "tests/common/ChildCase.h"
 #include "tests/common/GuardedBuffer.h"
 #include "tests/common/ImportHook.h"
-#include "tests/common/LogLines.h"
-#include "tests/driver/SheetCalls.h"
+#include "tests/ui/DocumentFixture.h"
 
 #include <catch2/catch_test_macros.hpp>
 #include <catch2/generators/catch_generators.hpp>
@@ -14,51 +13,17 @@
 namespace
 {
 
-using Lines = std::vector<std::string>;
-
-struct DocumentFixture : ClientFixture
-{
-    DocumentFixture()
-    {
-        WriteCaps(PaperKeys(kPapers, kAbleKeys));
-        memset(&callerIn, 0x31, sizeof(callerIn));
-        callerIn.stuDevmode.dmSize = 220;
-        callerIn.stuDevmode.dmDriverExtra = 12;
-        memset(&callerOut, 0x32, sizeof(callerOut));
-        calls.header.pdmIn = &callerIn.stuDevmode;
-        calls.header.pdmOut = &callerOut.stuDevmode;
-    }
-    void StoreSetting(const char* pszValue) const
-    {
-        WriteFileBytes(folder.File(L"QPS@VEL_defsetting.ini"),
-                       std::string("[PrintSetting]\r\nDefaultNoWaterPrint=") + pszValue + "\r\n");
-    }
-
-    BuiltModule module;
-    DocumentCalls calls{module.DocumentSheets};
-    stuDrvDevmode callerIn;
-    stuDrvDevmode callerOut;
-};
-
-/// The same through the code in the test program, whose log tests can read.
-struct LoggedDocumentFixture : DocumentFixture
-{
-    LoggedDocumentFixture() { calls.pfnEntry = &DrvDocumentPropertySheets; }
-    Lines Own() const { return OwnLines(logging, "DrvDocumentPropertySheets"); }
-
-    const TextsFrom texts{module.handle};
-    LoggingOn logging{"OutputParam", "OutputFunBeginInfo"};
-};
-
 constexpr char kStart[] = "VelUI_dll__DrvDocumentPropertySheets :START......";
 constexpr char kInvoked[] = "INFO - DrvDocumentPropertySheets was invoked.";
 constexpr char kInteractive[] = "INFO - DrvDocumentPropertySheets - interactive by property pages";
 constexpr char kEnd[] = "VelUI_dll__DrvDocumentPropertySheets :End  ......";
 
-// The size of the blocks of which one allocation fails, which one (from 1), and the balance of blocks by size.
+// The size of the blocks of which one allocation fails, which one (from 1), the balance of blocks by size, and what was
+// freed of them, in order.
 size_t s_uiFailSize = 0;
 int s_iFailing = 0;
 std::map<void*, size_t> s_blocks;
+std::vector<void*> s_freed;
 
 template <typename Function>
 Function* Msvcrt(const char* pszName)
@@ -79,7 +44,10 @@ void* NotedCalloc(size_t uiCount, size_t uiSize)
 
 void NotedFree(void* pBlock)
 {
-    s_blocks.erase(pBlock);
+    if (s_blocks.erase(pBlock) != 0)
+    {
+        s_freed.push_back(pBlock);
+    }
     Msvcrt<void(void*)>("free")(pBlock);
 }
 
@@ -91,6 +59,7 @@ public:
         : m_calloc(hModule, "calloc", &NotedCalloc), m_free(hModule, "free", &NotedFree)
     {
         s_blocks.clear();
+        s_freed.clear();
         s_uiFailSize = uiSize;
         s_iFailing = iFailing;
     }
@@ -275,6 +244,17 @@ TEST_CASE_METHOD(DocumentFixture, "an opened and ended sheet leaves its list of 
     CHECK(calls.Call(PROPSHEETUI_REASON_DESTROY) == 1);
     CHECK(s_blocks.size() == 1);
     CHECK(memory.Left(kListBytes) == 1);
+}
+
+TEST_CASE_METHOD(DocumentFixture, "the end of a sheet frees the working record, then the other, then the data",
+                 "[driver][sheet][memory]")
+{
+    const FailingMemory memory(module.handle, 0, 0);
+    REQUIRE(calls.Call(PROPSHEETUI_REASON_INIT) == 1);
+    const std::vector<void*> expected = {calls.Data()->pdmOut, calls.Data()->pdmIn, calls.Data()};
+    s_freed.clear();
+    CHECK(calls.Call(PROPSHEETUI_REASON_DESTROY) == 1);
+    CHECK(s_freed == expected);
 }
 
 TEST_CASE_METHOD(DocumentFixture, "no memory for the sheet's data refuses the sheet", "[driver][sheet][memory]")

@@ -25,6 +25,10 @@ public:
     /// The tab's text.
     std::wstring TabText(int iPage) const;
     bool ApplyEnabled() const;
+    /// The number of the control that has the keyboard's focus; a combo box's for the box in it. 0 when none has it.
+    int Focus() const;
+    /// Presses a key and waits until the sheet has worked on it.
+    void PressKey(WORD wKey) const;
     /// Presses "Apply".
     void Apply() const;
     /// Presses PSBTN_OK or PSBTN_CANCEL and waits for the sheet's end.
@@ -35,5 +39,6 @@ private:
 
     std::function<void()> m_show;
     HANDLE m_hThread = nullptr;
+    DWORD m_dwThread = 0;
     HWND m_hSheet = nullptr;
 };

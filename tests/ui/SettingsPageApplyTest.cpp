@@ -1,5 +1,6 @@
 // What an apply of the settings page leaves in the records and the store.
 
+#include "tests/common/ChildCase.h"
 #include "tests/ui/BoxWatcher.h"
 #include "tests/ui/SettingsFixture.h"
 
@@ -59,6 +60,37 @@ TEST_CASE_METHOD(ApplyFixture, "an apply reports a good result for the page to t
     CHECK(calls[0].lParam2 == 1);
     page.Notify(PSN_APPLY);
     CHECK(calls.size() == 2);
+}
+
+TEST_CASE_METHOD(ApplyFixture, "the records and the store are written before the library hears of the result",
+                 "[ui][apply]")
+{
+    const PageWindow page = Open();
+    page.ChoosePaper(1);
+    std::string strStored;
+    short nIn = 0;
+    onCall = [&] {
+        strStored = StoredRecord();
+        nIn = in.stuDevmode.dmPaperSize;
+    };
+    page.Notify(PSN_APPLY);
+    CHECK(nIn == 8);
+    CHECK(strStored.size() == 220);
+    CHECK(strStored == OutRecord());
+}
+
+// Run by the next case in a process of its own.
+TEST_CASE_METHOD(SettingsFixture, "child: an apply of a settings page without data", "[.child]")
+{
+    const PageWindow page(module.handle, IDD_SETTINGS, &NoPage, 0);
+    PSHNOTIFY notification = {};
+    notification.hdr.code = static_cast<UINT>(PSN_APPLY);
+    ProSetPage(page.Get(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&notification));
+}
+
+TEST_CASE("an apply of a settings page without data faults", "[ui][apply]")
+{
+    CHECK(IsFault(ExitCodeOfCase(L"child: an apply of a settings page without data")));
 }
 
 TEST_CASE_METHOD(ApplyFixture, "each listed paper goes into the record by its number", "[ui][apply]")

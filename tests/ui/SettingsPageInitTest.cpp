@@ -1,5 +1,6 @@
 // How the settings page comes up.
 
+#include "tests/ui/IconShape.h"
 #include "tests/ui/PageWindow.h"
 #include "tests/ui/SettingsFixture.h"
 
@@ -210,6 +211,9 @@ TEST_CASE_METHOD(SettingsFixture, "the picture follows the orientation, at 64 by
     page.Click(1012);
     const HICON hLandscape = picture();
     CHECK(hLandscape != hPortrait);
+    // A sheet of paper that stands, and one that lies.
+    CHECK(DrawnSize(hPortrait).cy > DrawnSize(hPortrait).cx);
+    CHECK(DrawnSize(hLandscape).cx > DrawnSize(hLandscape).cy);
     page.Click(1011);
     CHECK(picture() == hPortrait);
 }
@@ -231,6 +235,28 @@ TEST_CASE_METHOD(SettingsFixture, "the first message runs on into the next: its 
     CHECK(ProSetPage(page.Get(), WM_INITDIALOG, MAKEWPARAM(1002, BN_CLICKED), reinterpret_cast<LPARAM>(&sheetPage)) ==
           1);
     CHECK(page.Changes() == iBefore + 5);
+}
+
+TEST_CASE_METHOD(SettingsFixture, "a window handle that names a handled pair calls that pair's handler",
+                 "[ui][settings]")
+{
+    in.stuDevmode.dmPaperSize = 256;
+    const PageWindow page = Open();
+    PROPSHEETPAGEW sheetPage = {};
+    sheetPage.lParam = reinterpret_cast<LPARAM>(&data);
+    const auto initAgain = [&](WPARAM wHandle) {
+        SendMessageW(page.Item(1006), CB_RESETCONTENT, 0, 0);
+        CHECK(ProSetPage(page.Get(), WM_INITDIALOG, wHandle, reinterpret_cast<LPARAM>(&sheetPage)) == 1);
+    };
+    page.Type(1007, L"100");
+    page.Type(1008, L"200");
+    // The page exchanges a custom paper's texts while it comes up.
+    initAgain(MAKEWPARAM(1018, BN_CLICKED));
+    CHECK(page.Text(1007) == L"200");
+    // Then it does so, and the handler of the orientation does so once more.
+    initAgain(MAKEWPARAM(1011, BN_CLICKED));
+    CHECK(page.Text(1007) == L"200");
+    CHECK(page.Text(1008) == L"100");
 }
 
 namespace

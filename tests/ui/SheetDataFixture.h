@@ -7,6 +7,7 @@
 #include "tests/common/TextsFrom.h"
 #include "ui/SheetData.h"
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -105,11 +106,14 @@ struct SheetDataFixture : ClientFixture
     std::vector<stuPaperInfo> list;
     stuPassData data = {};
     std::vector<LibraryCall> calls;
+    std::function<void()> onCall = [] {}; ///< what is to be looked at while a page calls the library
 
 private:
     static LONG_PTR CALLBACK OnLibraryCall(HANDLE hComPropSheet, UINT uiFunction, LPARAM lParam1, LPARAM lParam2)
     {
-        static_cast<SheetDataFixture*>(hComPropSheet)->calls.push_back({hComPropSheet, uiFunction, lParam1, lParam2});
+        auto* const pThis = static_cast<SheetDataFixture*>(hComPropSheet);
+        pThis->calls.push_back({hComPropSheet, uiFunction, lParam1, lParam2});
+        pThis->onCall();
         return 1;
     }
 };

@@ -1,0 +1,172 @@
+// The about page and its picture.
+
+#include "tests/common/LogLines.h"
+#include "tests/ui/SettingsFixture.h"
+#include "ui/AboutPage.h"
+
+#include <catch2/catch_test_macros.hpp>
+#include <catch2/generators/catch_generators.hpp>
+
+namespace
+{
+
+struct AboutFixture : SheetDataFixture
+{
+    PageWindow Open() { return PageWindow(module.handle, IDD_ABOUT, &ProAbouPage, 0); }
+};
+
+/// The picture that a control shows, in pixels of 0x00RRGGBB from the top.
+struct ShownPicture
+{
+    explicit ShownPicture(HWND hControl)
+    {
+        const auto hPicture = reinterpret_cast<HBITMAP>(SendMessageW(hControl, STM_GETIMAGE, IMAGE_BITMAP, 0));
+        REQUIRE(GetObjectW(hPicture, sizeof(bitmap), &bitmap) != 0);
+        BITMAPINFO format = {};
+        format.bmiHeader.biSize = sizeof(format.bmiHeader);
+        format.bmiHeader.biWidth = bitmap.bmWidth;
+        format.bmiHeader.biHeight = -bitmap.bmHeight;
+        format.bmiHeader.biPlanes = 1;
+        format.bmiHeader.biBitCount = 32;
+        pixels.resize(static_cast<size_t>(bitmap.bmWidth) * bitmap.bmHeight);
+        const HDC hDC = CreateCompatibleDC(nullptr);
+        CHECK(GetDIBits(hDC, hPicture, 0, bitmap.bmHeight, pixels.data(), &format, DIB_RGB_COLORS) == bitmap.bmHeight);
+        DeleteDC(hDC);
+    }
+    /// The pixel at a place that is given in 160ths of the picture, as its drawing is.
+    DWORD At(double dX, double dY) const
+    {
+        const auto uiX = static_cast<size_t>(dX * bitmap.bmWidth / 160);
+        const auto uiY = static_cast<size_t>(dY * bitmap.bmHeight / 160);
+        return pixels[uiY * bitmap.bmWidth + uiX] & 0xFFFFFF;
+    }
+    DWORD Corner(int iCorner) const
+    {
+        const size_t uiX = iCorner % 2 == 0 ? 0 : static_cast<size_t>(bitmap.bmWidth) - 1;
+        const size_t uiY = iCorner < 2 ? 0 : static_cast<size_t>(bitmap.bmHeight) - 1;
+        return pixels[uiY * bitmap.bmWidth + uiX] & 0xFFFFFF;
+    }
+
+    BITMAP bitmap = {};
+    std::vector<DWORD> pixels;
+};
+
+constexpr DWORD kGround = 0x1F5FA8; // what the picture's parts are painted with
+constexpr DWORD kPaper = 0xFFFFFF;
+
+/// What the page's background is painted with, as 0x00RRGGBB.
+DWORD PageColour(const PageWindow& page)
+{
+    const HDC hDC = GetDC(page.Get());
+    const LRESULT lBrush = SendMessageW(page.Get(), WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(hDC),
+                                        reinterpret_cast<LPARAM>(page.Item(1011)));
+    LOGBRUSH brush = {};
+    REQUIRE(GetObjectW(reinterpret_cast<HGDIOBJ>(lBrush), sizeof(brush), &brush) != 0);
+    ReleaseDC(page.Get(), hDC);
+    return RGB(GetBValue(brush.lbColor), GetGValue(brush.lbColor), GetRValue(brush.lbColor));
+}
+
+} // namespace
+
+TEST_CASE_METHOD(AboutFixture, "the about page shows its texts and answers 1 to two messages alone", "[ui][about]")
+{
+    const PageWindow page = Open();
+    CHECK(ProAbouPage(page.Get(), WM_INITDIALOG, 0, 0) == 1);
+    CHECK(ProAbouPage(page.Get(), WM_COMMAND, 0, 0) == 1);
+    CHECK(ProAbouPage(page.Get(), WM_NOTIFY, 0, 0) == 0);
+    CHECK(ProAbouPage(page.Get(), WM_SETFONT, 0, 0) == 0);
+    CHECK(ProAbouPage(page.Get(), WM_CLOSE, 0, 0) == 0);
+    CHECK(SendMessageW(page.Item(1011), STM_GETIMAGE, IMAGE_BITMAP, 0) != 0);
+    CHECK(GetWindowLongPtrW(page.Get(), GWLP_USERDATA) == 0);
+}
+
+TEST_CASE_METHOD(AboutFixture, "the about page's procedure leaves its scope in the log", "[ui][about][log]")
+{
+    const PageWindow page = Open();
+    const LoggingOn logging{"OutputFunBeginInfo"};
+    ProAbouPage(page.Get(), WM_NOTIFY, 0, 0);
+    CHECK(Masked(logging) ==
+          std::vector<std::string>{"VelUI_dll__ProAbouPage :START......", "VelUI_dll__ProAbouPage :End  ......"});
+}
+
+TEST_CASE_METHOD(AboutFixture,
+                 "the about picture is drawn in its control's size at each resolution, and none of its "
+                 "strokes is lost",
+                 "[ui][about]")
+{
+    const PageWindow page = Open();
+    // The control's 80 by 79 units at 96, 144 and 192 dpi, at a size between, and beyond the picture's own.
+    const SIZE size = GENERATE(SIZE{140, 138}, SIZE{210, 207}, SIZE{280, 276}, SIZE{177, 171}, SIZE{420, 414});
+    CAPTURE(size.cx);
+    ShowWindow(page.Get(), SW_HIDE);
+    SetWindowPos(page.Item(1011), nullptr, 0, 0, size.cx, size.cy, SWP_NOMOVE | SWP_NOZORDER);
+    ShowWindow(page.Get(), SW_SHOW);
+    const ShownPicture picture(page.Item(1011));
+    CHECK(picture.bitmap.bmWidth == size.cx);
+    CHECK(picture.bitmap.bmHeight == size.cy);
+    CHECK(picture.At(80, 8) == kGround);
+    CHECK(picture.At(12, 80) == kGround);
+    CHECK(picture.At(80, 26) == kPaper);
+    CHECK(picture.At(105, 140) == kPaper);
+    // Each of the three written lines is the darkest where the drawing has it, and the paper is white between them.
+    const auto red = [&picture](double dY) { return static_cast<int>(picture.At(70, dY) >> 16); };
+    for (const double dLine : {116.0, 126.0, 136.0})
+    {
+        CAPTURE(dLine);
+        CHECK(red(dLine) < 0xB8); // 9D at its middle
+        CHECK(red(dLine - 4) > 0xF0);
+    }
+}
+
+TEST_CASE_METHOD(AboutFixture, "at half its size each pixel of the about picture is the mean of four", "[ui][about]")
+{
+    const PageWindow page = Open();
+    ShowWindow(page.Get(), SW_HIDE);
+    SetWindowPos(page.Item(1011), nullptr, 0, 0, 140, 138, SWP_NOMOVE | SWP_NOZORDER);
+    ShowWindow(page.Get(), SW_SHOW);
+    const ShownPicture small(page.Item(1011));
+    const PageWindow plain(module.handle, IDD_ABOUT, &NoPage, 0); // shows what the module holds
+    const ShownPicture whole(plain.Item(1011));
+    REQUIRE(whole.bitmap.bmWidth == 280);
+    REQUIRE(whole.bitmap.bmHeight == 276);
+    size_t uiWrong = 0;
+    for (size_t y = 28; y < 110; ++y) // between the round corners
+    {
+        for (size_t x = 0; x < 140; ++x)
+        {
+            const size_t uiAt = 2 * y * 280 + 2 * x;
+            for (const int iShift : {0, 8, 16})
+            {
+                DWORD dwSum = 0;
+                for (const size_t uiNext : {uiAt, uiAt + 1, uiAt + 280, uiAt + 281})
+                {
+                    dwSum += whole.pixels[uiNext] >> iShift & 0xFF;
+                }
+                uiWrong += (small.pixels[y * 140 + x] >> iShift & 0xFF) != dwSum / 4 ? 1 : 0;
+            }
+        }
+    }
+    CHECK(uiWrong == 0);
+}
+
+TEST_CASE_METHOD(AboutFixture, "the about picture has round corners on the page's own background", "[ui][about]")
+{
+    const PageWindow page = Open();
+    const ShownPicture picture(page.Item(1011));
+    const DWORD dwPage = PageColour(page);
+    REQUIRE(dwPage != kGround);
+    for (int i = 0; i < 4; ++i)
+    {
+        CAPTURE(i);
+        CHECK(picture.Corner(i) == dwPage);
+    }
+    // A corner's radius is a fifth of the shorter side, like the logo's: the arc crosses the diagonal at 0.0586 of it.
+    const double dArc = 160 * 0.0586;
+    CHECK(picture.At(dArc - 3, dArc - 3) == dwPage);
+    CHECK(picture.At(dArc + 3, dArc + 3) == kGround);
+    // The edges between the corners are whole.
+    CHECK(picture.At(80, 0) == kGround);
+    CHECK(picture.At(0, 80) == kGround);
+    CHECK(picture.At(80, 159.5) == kGround);
+    CHECK(picture.At(159.5, 80) == kGround);
+}
