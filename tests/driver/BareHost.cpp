@@ -14,6 +14,7 @@
 //   memory            bytes in use of the process's heap and of the C run-time's
 //   user=NAME         makes Windows name another user
 //   also=FILE         loads another library; whether it could be done
+//   release=NAME      gives one reference to a library back; whether it is gone with it
 //   context=FILE      activates the manifest's activation context; whether it could be done
 //   atexit            asks for DC_SIZE again when the process ends; the answer becomes the exit code
 
@@ -181,6 +182,11 @@ bool Activate(const wchar_t* pszManifest)
     return hContext != INVALID_HANDLE_VALUE && ActivateActCtx(hContext, &ulCookie);
 }
 
+bool Release(const wchar_t* pszName)
+{
+    return FreeLibrary(GetModuleHandleW(pszName)) && GetModuleHandleW(pszName) == nullptr;
+}
+
 void AskAtEnd()
 {
     _exit(static_cast<int>(Size()));
@@ -205,6 +211,7 @@ const std::map<std::wstring, std::function<std::string(const wchar_t*)>> kAction
     {L"memory", [](const wchar_t*) { return Memory(); }},
     {L"user", [](const wchar_t* pszName) { return Told(SetEnvironmentVariableW(L"WINEUSERNAME", pszName)); }},
     {L"also", [](const wchar_t* pszFile) { return Told(LoadLibraryW(pszFile) != nullptr); }},
+    {L"release", [](const wchar_t* pszName) { return Told(Release(pszName)); }},
     {L"context", [](const wchar_t* pszManifest) { return Told(Activate(pszManifest)); }},
     {L"atexit", [](const wchar_t*) { return Told(std::atexit(&AskAtEnd) == 0); }},
 };

@@ -1,5 +1,6 @@
-// A library that calls the module while the process ends, from its own end. What it sees goes, a line each, into the
-// file that the variable VELUI_LATE names: the module's answer to DC_SIZE, and whether shell32 is there behind it.
+// A library that looks around while the process ends, from its own end. What it sees goes, a line each, into the file
+// that the variable VELUI_LATE names: with VELUI_LATE_ASKS the module's answer to DC_SIZE, and then whether shell32 is
+// there. Loaded behind the module it ends before it, and may ask it; loaded in front of it, it ends after it.
 
 #include "support/module/PrinterInterface.h"
 
@@ -11,18 +12,20 @@
 namespace
 {
 
-void CallLate()
+void LookAround()
 {
-    const HMODULE hModule = GetModuleHandleW(L"VelUI.dll");
     const wchar_t* const pszFile = _wgetenv(L"VELUI_LATE");
-    FILE* const pFile = hModule != nullptr && pszFile != nullptr ? _wfopen(pszFile, L"a") : nullptr;
+    FILE* const pFile = pszFile != nullptr ? _wfopen(pszFile, L"a") : nullptr;
     if (pFile == nullptr)
     {
         return;
     }
-    const auto pfnCaps = reinterpret_cast<decltype(&DrvDeviceCapabilities)>(
-        reinterpret_cast<void*>(GetProcAddress(hModule, "DrvDeviceCapabilities")));
-    std::fprintf(pFile, "%lu\n", pfnCaps(nullptr, nullptr, DC_SIZE, nullptr, nullptr));
+    if (_wgetenv(L"VELUI_LATE_ASKS") != nullptr)
+    {
+        const auto pfnCaps = reinterpret_cast<decltype(&DrvDeviceCapabilities)>(
+            reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"VelUI.dll"), "DrvDeviceCapabilities")));
+        std::fprintf(pFile, "%lu\n", pfnCaps(nullptr, nullptr, DC_SIZE, nullptr, nullptr));
+    }
     std::fprintf(pFile, "%s\n", GetModuleHandleW(L"shell32.dll") != nullptr ? "shell32" : "no shell32");
     std::fclose(pFile);
 }
@@ -33,7 +36,7 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD fdwReason, LPVOID lpvReserved)
 {
     if (fdwReason == DLL_PROCESS_DETACH && lpvReserved != nullptr)
     {
-        CallLate();
+        LookAround();
     }
     return TRUE;
 }
