@@ -7,6 +7,9 @@
 /// Loading and unloading the module, which must not be loaded yet.
 void BenchLoad(Results& results);
 
+/// What a fresh process waits for when it first touches the module: the load, a query, a sheet.
+void BenchFirst(Results& results, const BenchClient& client);
+
 /// DrvDeviceCapabilities, with the resident client known and alive.
 void BenchCaps(Results& results, const BenchClient& client, const BenchModule& module, DWORD dwClientPid);
 

@@ -1,7 +1,5 @@
 #include "bench/Measure.h"
 
-#include <windows.h>
-
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -87,15 +85,6 @@ void PrintRow(const Row& row)
 }
 
 } // namespace
-
-double NowNanoseconds()
-{
-    LARGE_INTEGER frequency;
-    LARGE_INTEGER now;
-    QueryPerformanceFrequency(&frequency);
-    QueryPerformanceCounter(&now);
-    return static_cast<double>(now.QuadPart) * 1e9 / static_cast<double>(frequency.QuadPart);
-}
 
 double Quantile(std::vector<double> values, double dPart)
 {

@@ -1,6 +1,8 @@
 #pragma once
 /// Measuring against a floor: two loops in one run, in interleaved rounds, compared pair by pair.
 
+#include "bench/Clock.h"
+
 #include <functional>
 #include <string>
 #include <vector>
@@ -72,9 +74,6 @@ Loop Repeat(Call call)
         }
     };
 }
-
-/// Nanoseconds since some moment.
-double NowNanoseconds();
 
 /// @param dPart 0 for the least, 0.5 for the median, 1 for the most; values must not be empty.
 double Quantile(std::vector<double> values, double dPart);

@@ -71,6 +71,10 @@ void BenchAll(const Choice& choice)
     {
         BenchLoad(results);
     }
+    if (choice.Has("first"))
+    {
+        BenchFirst(results, client);
+    }
     BenchModuleCalls(results, client, choice);
     if (choice.Has("off"))
     {

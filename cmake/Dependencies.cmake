@@ -65,7 +65,7 @@ if(CMAKE_CROSSCOMPILING)
         INTERFACE_INCLUDE_DIRECTORIES ${log4cpp_dir}/install/include
         INTERFACE_SYSTEM_INCLUDE_DIRECTORIES ${log4cpp_dir}/install/include
         INTERFACE_COMPILE_DEFINITIONS "${log4cpp_definitions}"
-        INTERFACE_LINK_LIBRARIES "ws2_32;advapi32")
+        INTERFACE_LINK_LIBRARIES velui_platform)
 
     # Catch2 has 100 sources, which cost 90 s of a processor one by one; the one file that its makers put them together in
     # costs 15. The tests include its single headers all the same: they need few of them.

@@ -46,6 +46,7 @@ PAIRED = {
     "bench/*Bench.cpp": "one function each, declared in Benches.h",
     "bench/Benches.h": "one function of each subject's source",
     "support/module/PrinterInterface.h": "the interface as Windows publishes it; the entry points stand in driver/",
+    "support/runtime/DelayLoad.cpp": "a function that the slots of dlltool's libraries call",
     "support/runtime/EmulatedTls.cpp": "functions that the compiler calls",
     "support/runtime/StaticGuards.cpp": "functions that the compiler calls",
     "bench/floors/LinkedLibraries.cpp": "part of a module of its own, which nobody calls",

@@ -1,5 +1,7 @@
 #include "tests/common/ImportHook.h"
 
+#include "tests/common/DelayImports.h"
+
 #include <catch2/catch_test_macros.hpp>
 
 #include <cstring>
@@ -7,8 +9,29 @@
 namespace
 {
 
-/// The slot of an imported function in a loaded module, or null.
-void** FindSlot(HMODULE hModule, const char* pszFunction)
+/// The place of a name in a list of imported names, or -1.
+int PlaceOf(const IMAGE_THUNK_DATA64* pNames, const BYTE* pbyBase, const char* pszFunction)
+{
+    for (int i = 0; pNames[i].u1.AddressOfData != 0; ++i)
+    {
+        if (!IMAGE_SNAP_BY_ORDINAL64(pNames[i].u1.Ordinal) &&
+            std::strcmp(reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(pbyBase + pNames[i].u1.AddressOfData)->Name,
+                        pszFunction) == 0)
+        {
+            return i;
+        }
+    }
+    return -1;
+}
+
+/// An imported function's slot, and the function itself.
+struct Slot
+{
+    void** ppfn = nullptr; ///< null when it isn't imported
+    void* pfnReal = nullptr;
+};
+
+Slot FindAmongImports(HMODULE hModule, const char* pszFunction)
 {
     BYTE* const pbyBase = reinterpret_cast<BYTE*>(hModule);
     const auto* const pDos = reinterpret_cast<const IMAGE_DOS_HEADER*>(pbyBase);
@@ -16,19 +39,31 @@ void** FindSlot(HMODULE hModule, const char* pszFunction)
     const DWORD dwImports = pHeaders->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
     for (auto* p = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(pbyBase + dwImports); p->Name != 0; ++p)
     {
-        const auto* pName = reinterpret_cast<const IMAGE_THUNK_DATA64*>(pbyBase + p->OriginalFirstThunk);
-        auto* pSlot = reinterpret_cast<IMAGE_THUNK_DATA64*>(pbyBase + p->FirstThunk);
-        for (; pName->u1.AddressOfData != 0; ++pName, ++pSlot)
+        const auto* const pNames = reinterpret_cast<const IMAGE_THUNK_DATA64*>(pbyBase + p->OriginalFirstThunk);
+        const int iPlace = PlaceOf(pNames, pbyBase, pszFunction);
+        if (iPlace >= 0)
         {
-            if (!IMAGE_SNAP_BY_ORDINAL64(pName->u1.Ordinal) &&
-                std::strcmp(reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(pbyBase + pName->u1.AddressOfData)->Name,
-                            pszFunction) == 0)
-            {
-                return reinterpret_cast<void**>(&pSlot->u1.Function);
-            }
+            void** const ppfn = reinterpret_cast<void**>(pbyBase + p->FirstThunk) + iPlace;
+            return {ppfn, *ppfn};
         }
     }
-    return nullptr;
+    return {};
+}
+
+/// A slot that was not called yet leads to the module's helper, which would put the real function there, over the hook.
+/// So the function is looked up here; the test program has the library.
+Slot FindAmongDelayImports(HMODULE hModule, const char* pszFunction)
+{
+    for (const DelayImport& import : DelayImports(hModule))
+    {
+        const int iPlace = PlaceOf(import.pNames, reinterpret_cast<const BYTE*>(hModule), pszFunction);
+        if (iPlace >= 0)
+        {
+            const HMODULE hLibrary = GetModuleHandleA(import.pszLibrary);
+            return {import.ppfnSlots + iPlace, reinterpret_cast<void*>(GetProcAddress(hLibrary, pszFunction))};
+        }
+    }
+    return {};
 }
 
 } // namespace
@@ -36,9 +71,17 @@ void** FindSlot(HMODULE hModule, const char* pszFunction)
 void ImportHook::Install(HMODULE hModule, const char* pszFunction, void* pfnReplacement)
 {
     INFO("imported function " << pszFunction);
-    m_ppfnSlot = FindSlot(hModule != nullptr ? hModule : GetModuleHandleW(nullptr), pszFunction);
-    REQUIRE(m_ppfnSlot != nullptr);
-    m_pfnOriginal = *m_ppfnSlot;
+    const HMODULE hHooked = hModule != nullptr ? hModule : GetModuleHandleW(nullptr);
+    Slot slot = FindAmongImports(hHooked, pszFunction);
+    if (slot.ppfn == nullptr)
+    {
+        slot = FindAmongDelayImports(hHooked, pszFunction);
+    }
+    REQUIRE(slot.ppfn != nullptr);
+    REQUIRE(slot.pfnReal != nullptr);
+    m_ppfnSlot = slot.ppfn;
+    m_pfnOriginal = slot.pfnReal;
+    m_pfnBefore = *m_ppfnSlot;
     Write(pfnReplacement);
 }
 
@@ -46,7 +89,7 @@ ImportHook::~ImportHook()
 {
     if (m_ppfnSlot != nullptr)
     {
-        Write(m_pfnOriginal);
+        Write(m_pfnBefore);
     }
 }
 

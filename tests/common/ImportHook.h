@@ -12,8 +12,8 @@ class ImportHook
 {
 public:
     /// @param hModule         whose table; null for the test program, which holds the library's code too.
-    /// @param pszFunction     the imported name, whichever library it comes from. The test fails when it isn't
-    /// imported.
+    /// @param pszFunction     the imported name, whichever library it comes from, now or at its first call. The
+    ///                        test fails when it isn't imported.
     /// @param pfnReplacement  a function of the same type.
     template <typename Function>
     ImportHook(HMODULE hModule, const char* pszFunction, Function* pfnReplacement)
@@ -24,7 +24,7 @@ public:
     ImportHook(const ImportHook&) = delete;
     ImportHook& operator=(const ImportHook&) = delete;
 
-    /// The function that was there.
+    /// The real function, also where the slot was never called and still leads to the helper that would load it.
     void* Original() const { return m_pfnOriginal; }
 
 private:
@@ -32,5 +32,6 @@ private:
     void Write(void* pfn);
 
     void** m_ppfnSlot = nullptr;
+    void* m_pfnBefore = nullptr; ///< what was in the slot
     void* m_pfnOriginal = nullptr;
 };
