@@ -164,7 +164,7 @@ def prepare(store, shop, screen, options):
         screen.say(f"not asked, since it does not pass without a fault: '{name}' {why}")
     cases = [case for case in cases if case.name not in found["unreliable"]]
     table = reach.Table(reached, shop.copy)
-    return hunt.Hunter(shop, cases, table, found["usual"], screen.tell, options.jobs), tree
+    return hunt.Hunter(shop, cases, table, found["usual"], screen.tell, options.jobs, options.quick), tree
 
 
 def chosen(options, mutants, store, screen):
@@ -247,8 +247,9 @@ def hunt_in_copy(options):
                 verdict = hunt.Verdict(*before)
             else:
                 verdict = hunter.judge(mutant)
-                verdicts[mutant.key] = list(verdict)
-                keep(store / "verdicts.json", tree, verdicts)
+                if verdict.outcome != hunt.SURVIVED or not options.quick:
+                    verdicts[mutant.key] = list(verdict)
+                    keep(store / "verdicts.json", tree, verdicts)
             counts[verdict.outcome] += 1
             spent += verdict.seconds
             if verdict.outcome in (hunt.KILLED, hunt.SURVIVED):
@@ -292,6 +293,8 @@ def main():
     parser.add_argument("--seed", type=int, help="the choice of an earlier run")
     parser.add_argument("--folder", help="a folder or a file of the product")
     parser.add_argument("--again", action="store_true", help="what survived the last time")
+    parser.add_argument("--quick", action="store_true",
+                        help="ask only the cases that are known to run a fault's place; --again asks the others later")
     parser.add_argument("--measure", action="store_true", help="measure anew which case runs which function")
     parser.add_argument("--list", action="store_true", help="show the faults that would be tried, and try none")
     parser.add_argument("--jobs", type=int, default=os.cpu_count() or 2, help="cases at a time")

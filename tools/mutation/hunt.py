@@ -111,13 +111,14 @@ def leftover_processes(prefix):
 
 
 class Hunter:
-    def __init__(self, shop, cases, table, usual, tell, jobs):
+    def __init__(self, shop, cases, table, usual, tell, jobs, quick):
         self.shop = shop
         self.cases = cases
         self.table = table    # of reach, or None
         self.usual = usual    # seconds by case's name
         self.tell = tell
         self.jobs = jobs
+        self.quick = quick    # whether the cases that are known to run a fault's place are enough
         self.killers = collections.Counter()  # (path, case's name)
         self.prefix = shop.copy / "build" / "wine"
 
@@ -180,6 +181,8 @@ class Hunter:
             except workshops.NoBuild as refusal:
                 return verdict(REFUSED, str(refusal)[:300])
             reaching, others = self.order(mutant)
+            if self.quick and reaching:
+                others = []
             failed = self.noticed(reaching, "cases that run it") or self.noticed(others, "all other cases")
             if failed is None and mutant.path.endswith(".h"):
                 failed = self.noticed_by_own_copy(mutant)

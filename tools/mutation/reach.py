@@ -109,6 +109,7 @@ def measure(workshop, cases, options, known, tell):
         raise
     for case in cases:
         run.collect(case)
+    shutil.rmtree(run.counters, ignore_errors=True)
     names = sorted(case.name for case in cases)
     number = {name: at for at, name in enumerate(names)}
     files = {}

@@ -88,22 +88,18 @@ class Workshop:
     def __init__(self, copy):
         self.copy = copy
         self.build = copy / "build" / "release"
-        self.log = copy.parent / "build.log"
         self.commands = {}  # compile commands by object, relative to the build
         self.needs = {}     # the tree's files that an object was compiled from
 
     def run(self, *command):
-        with self.log.open("ab") as log:
-            result = subprocess.run(command, cwd=self.copy, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                                    stdin=subprocess.DEVNULL)
-            log.write(result.stdout)
+        result = subprocess.run(command, cwd=self.copy, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                                stdin=subprocess.DEVNULL)
         if result.returncode:
             raise NoBuild(result.stdout.decode(errors="replace"))
         return result.stdout.decode(errors="replace")
 
     def make(self, counters=False):
         """Brings the copy's build up to date, with the counters of coverage or without."""
-        self.log.unlink(missing_ok=True)
         self.run("tools/setup.sh")
         wanted = "ON" if counters else "OFF"
         cache = self.build / "CMakeCache.txt"
