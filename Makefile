@@ -1,6 +1,6 @@
 # The project's commands. Each installs what is missing (Debian 12 or 13, as root) and can be run again in seconds.
 .DEFAULT_GOAL := help
-.PHONY: help setup configure build run test quick coverage fuzz stress bench check clean
+.PHONY: help setup configure build run test quick coverage mutants fuzz stress bench check clean
 
 BUILD := build/release
 JOBS := $(shell nproc)
@@ -35,6 +35,10 @@ quick: configure ## FOLDER=state: the plain build and the tests of one folder, f
 coverage: configure ## which lines and branches of the module the tests run; at least 98 % and 90 %
 	@tools/setup.sh coverage
 	@tools/coverage.sh
+
+mutants: setup ## MUTANTS=100 SEED=7 FOLDER=state: faults in the product's code, one at a time; which of them no test notices
+	@tools/mutants.py --count $(or $(MUTANTS),100) $(if $(SEED),--seed $(SEED)) $(if $(FOLDER),--folder $(FOLDER)) \
+	    $(if $(AGAIN),--again) $(if $(REACH),--measure)
 
 fuzz: configure ## the fuzz tests at length (hours); a failing case is kept in build/release/fuzz.replay
 	@cmake --build --preset release -j $(JOBS) --target veltests

@@ -24,6 +24,9 @@ grep -hoE '^(TEST_CASE|TEST_CASE_METHOD)\([^"]*"[^"]*"' "${sources[@]}" | grep -
 echo "== layout: who includes whom, what belongs together, lengths, the map of the log's words"
 tools/check-layout.py || fail "the layout differs"
 
+echo "== mutants: what the kinds of faults make of a small text, and whether the list of equivalent ones still fits"
+tools/mutants.py --self-test || fail "make mutants would not do what it says"
+
 echo "== cppcheck"
 own=$(git ls-files --cached --others --exclude-standard 'driver/*.cpp' 'ui/*.cpp' 'settings/*.cpp' 'state/*.cpp' 'diag/*.cpp' 'support/*.cpp' 'tools/*.cpp')
 # passedByValue: the store's calls take users by value.

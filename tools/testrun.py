@@ -52,7 +52,7 @@ class Build:
 class Worker:
     """A process of the test program that runs the cases it is told."""
 
-    def __init__(self, build, locale):
+    def __init__(self, build, locale, environment):
         self.build = build
         self.locale = locale
         self.ran = []          # what it ran, in order
@@ -60,7 +60,9 @@ class Worker:
         self.buffer = b""
         self.ready = False
         self.started = self.since = time.monotonic()
-        environment = dict(os.environ, VELUI_LOCALE="zh_CN.UTF-8") if locale == "936" else None
+        environment = dict(os.environ, **environment)
+        if locale == "936":
+            environment["VELUI_LOCALE"] = "zh_CN.UTF-8"
         folder = build.program.parent / "tests"
         folder.mkdir(exist_ok=True)
         self.process = subprocess.Popen([ROOT / "tools/wine.sh", "--direct", build.program, "--worker"], cwd=folder,
@@ -168,6 +170,14 @@ class Run:
     def locale(case):
         return "936" if "cp936" in case.tags else ""
 
+    def environment(self, case):
+        """Variables for a process that is started for a case."""
+        return {}
+
+    def limit(self, case):
+        """Seconds that a case may take."""
+        return self.options.timeout
+
     def start(self, slot, case):
         key = (case.build.name, self.locale(case))
         worker = self.workers[slot].get(key)
@@ -175,7 +185,7 @@ class Run:
             self.retire(slot, key)
             worker = None
         if worker is None:
-            worker = Worker(case.build, key[1])
+            worker = Worker(case.build, key[1], self.environment(case))
             self.starts += 1
             self.workers[slot][key] = worker
             self.selector.register(worker.process.stdout, selectors.EVENT_READ)
@@ -236,12 +246,12 @@ class Run:
                     return
             self.done += 1
             self.fail(case, worker, f"its process ended with status {status}", output)
-        elif time.monotonic() - worker.since > self.options.timeout:
+        elif time.monotonic() - worker.since > self.limit(worker.case):
             case, output = worker.case, worker.buffer
             worker.kill()
             self.drop(slot, worker)
             self.done += 1
-            self.fail(case, worker, f"did not end within {self.options.timeout} s", output)
+            self.fail(case, worker, f"did not end within {self.limit(case):g} s", output)
 
     def busy(self, slot):
         return any(worker.case for worker in self.workers[slot].values())
@@ -274,6 +284,14 @@ class Run:
         for slot in range(len(self.workers)):
             for key in list(self.workers[slot]):
                 self.retire(slot, key)
+
+    def abandon(self):
+        """Ends all processes at once, whatever they are in."""
+        for slot in self.workers:
+            for worker in slot.values():
+                worker.kill()
+                worker.process.stdout.close()
+            slot.clear()
 
 
 def parse():
@@ -354,9 +372,7 @@ def main():
                     judge.end_workers()
                     alone[case] = not judge.failed
     except KeyboardInterrupt:
-        for slot in run.workers:
-            for worker in slot.values():
-                worker.kill()
+        run.abandon()
         print("\ninterrupted")
         sys.exit(130)
     if not options.order:
@@ -383,4 +399,5 @@ def main():
     sys.exit(1 if run.failed or len(repeats) > REPEATS_ALLOWED else 0)
 
 
-main()
+if __name__ == "__main__":
+    main()
