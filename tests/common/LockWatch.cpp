@@ -218,10 +218,10 @@ void LockWatch::Watch(const std::function<void()>& call)
     s_steps.clear();
     s_names.clear();
     s_mutexes.clear();
-    ResetEvent(s_hWaits);
     s_dwThread = GetCurrentThreadId();
     call();
     s_dwThread = 0;
+    ResetEvent(s_hWaits); // what nobody waited for tells nothing of the next call
 }
 
 const std::vector<LockStep>& LockWatch::Steps() const
