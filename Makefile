@@ -48,9 +48,11 @@ stress: configure ## 60 seconds of contention over the store's files
 	@cmake --build --preset release -j $(JOBS) --target veltests
 	@cd $(BUILD) && VELUI_STRESS_SECONDS=60 ../../tools/wine.sh --session ../../tools/wine.sh veltests.exe "[contention]"
 
-bench: configure ## measure against the floor (docs/performance.md), all on one processor
+bench: configure ## measure against the floor (docs/performance.md), all on one processor; draws the figures
+	@tools/setup.sh bench
 	@cmake --build --preset release -j $(JOBS) --target velbench VelUI
 	@cd $(BUILD) && taskset -c $$(($$(nproc) - 1)) ../../tools/wine.sh --session ../../tools/wine.sh velbench.exe $(BENCH)
+	@tools/plot-bench.py $(BUILD)/velbench.json $(BUILD)/velbench.svg
 
 check: ## format, static analysis, drift
 	@tools/setup.sh check

@@ -114,6 +114,12 @@ void BenchFirst(Results& results, const BenchClient& client)
                                 [&] { return fresh.Run(L"bareprocess.exe", L"load", strOurs); });
     results.Add(RowOfPairs("fresh process: first load", load.floorTimes, load.oursTimes, RatioGoal(1.3)));
 
+    const std::wstring strLog4cpp = VelHost::BesideProgram(L"EmptyWithLog4cpp.dll");
+    const Pairs libraries = RunPairs([&] { return fresh.Run(L"bareprocess.exe", L"load", strEmpty); },
+                                     [&] { return fresh.Run(L"bareprocess.exe", L"load", strLog4cpp); });
+    results.Add(RowOfPairs("of which log4cpp and the C++ run-time: an empty module with them", libraries.floorTimes,
+                           libraries.oursTimes, RatioGoal(kNoLimit)));
+
     const ResidentStandIn resident(client);
     const Pairs query = RunPairs([&] { return fresh.Run(L"bareprocess.exe", L"contract", client.ResidentPath()); },
                                  [&] { return fresh.Run(L"bareprocess.exe", L"query", strOurs); });

@@ -22,6 +22,7 @@ if [ "${1:-}" = check ]; then
     [ -z "$(apt-cache madison clang-format-14 2>/dev/null)" ] || packages+=(clang-format-14)
 fi
 [ "${1:-}" = coverage ] && packages+=(gcovr)
+[ "${1:-}" = bench ] && packages+=(python3-matplotlib)
 
 missing=()
 for package in "${packages[@]}"; do

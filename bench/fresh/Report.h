@@ -17,11 +17,9 @@ struct FreshReport
 /// KiB of this process's own memory.
 inline double PrivateKiB()
 {
-    PROCESS_MEMORY_COUNTERS_EX counters = {};
-    counters.cb = sizeof(counters);
-    K32GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters),
-                            sizeof(counters));
-    return static_cast<double>(counters.PrivateUsage) / 1024;
+    PROCESS_MEMORY_COUNTERS counters = {};
+    K32GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof(counters));
+    return static_cast<double>(counters.PagefileUsage) / 1024;
 }
 
 /// Times one call and tells it.

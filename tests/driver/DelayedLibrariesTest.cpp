@@ -147,8 +147,8 @@ TEST_CASE_METHOD(BareFixture,
         L"loads=50",                                   // what the platform itself keeps after the first ones
         L"modules", L"state", L"memory",               // 1 to 3
         L"loads=200", L"modules", L"state", L"memory", // 4 to 7: shell32 comes and goes with each
-        // With a reference of the host's to shell32 the others take a fifth of the time; one that stayed behind would
-        // keep it there when the host gives its own back.
+        // With a reference of the host's to shell32 the others are quicker; one that stayed behind would keep it there
+        // when the host gives its own back.
         strShell, L"loads=5000", L"release=shell32.dll", // 8 to 10
         L"modules", L"state", L"memory",                 // 11 to 13
     });
