@@ -50,6 +50,8 @@ if [ ! -f "$WINEPREFIX/.ready" ]; then
         flock 9
         if [ ! -f "$WINEPREFIX/.ready" ]; then
             echo "== making the Wine prefix in $WINEPREFIX (about 10 s)" >&2
+            # Always under the same locale, so that it is the same one whichever program comes first.
+            export LC_ALL=C.UTF-8
             wine wineboot -i >"$WINEPREFIX.log" 2>&1 || { cat "$WINEPREFIX.log" >&2; exit 1; }
             # Debian's Wine does not look into the folder of its own fonts, the one with the window buttons among them.
             cp /usr/share/wine/fonts/marlett.ttf "$WINEPREFIX/drive_c/windows/Fonts/"

@@ -132,6 +132,16 @@ void Lay(const Pixels& source, const SIZE& target, BYTE* pbyTarget)
     }
 }
 
+/// Draws what the page has behind a control. The page itself draws it: a theme's background is no plain colour.
+void DrawBackground(HWND hDlg, HWND hControl, HDC hDC)
+{
+    POINT origin = {};
+    MapWindowPoints(hControl, hDlg, &origin, 1);
+    SetViewportOrgEx(hDC, -origin.x, -origin.y, nullptr);
+    SendMessageW(hDlg, WM_ERASEBKGND, reinterpret_cast<WPARAM>(hDC), 0);
+    SetViewportOrgEx(hDC, 0, 0, nullptr);
+}
+
 /// Draws the picture in its control's size, on the page's own background. @return null where something can't be had.
 HBITMAP DrawPicture(HWND hDlg, HWND hControl)
 {
@@ -147,9 +157,7 @@ HBITMAP DrawPicture(HWND hDlg, HWND hControl)
     if (hPicture != nullptr)
     {
         const HGDIOBJ hOld = SelectObject(hDC, hPicture);
-        const LRESULT lBrush =
-            SendMessageW(hDlg, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(hDC), reinterpret_cast<LPARAM>(hControl));
-        FillRect(hDC, &place, reinterpret_cast<HBRUSH>(lBrush));
+        DrawBackground(hDlg, hControl, hDC);
         GdiFlush();
         Lay(source, size, static_cast<BYTE*>(pBits));
         SelectObject(hDC, hOld);

@@ -1,6 +1,7 @@
 // The about page and its picture.
 
 #include "tests/common/LogLines.h"
+#include "tests/ui/DrivenFixture.h"
 #include "tests/ui/SettingsFixture.h"
 #include "ui/AboutPage.h"
 
@@ -54,16 +55,10 @@ struct ShownPicture
 constexpr DWORD kGround = 0x1F5FA8; // what the picture's parts are painted with
 constexpr DWORD kPaper = 0xFFFFFF;
 
-/// What the page's background is painted with, as 0x00RRGGBB.
-DWORD PageColour(const PageWindow& page)
+/// A colour as pixels hold it.
+DWORD AsPixel(COLORREF colour)
 {
-    const HDC hDC = GetDC(page.Get());
-    const LRESULT lBrush = SendMessageW(page.Get(), WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(hDC),
-                                        reinterpret_cast<LPARAM>(page.Item(1011)));
-    LOGBRUSH brush = {};
-    REQUIRE(GetObjectW(reinterpret_cast<HGDIOBJ>(lBrush), sizeof(brush), &brush) != 0);
-    ReleaseDC(page.Get(), hDC);
-    return RGB(GetBValue(brush.lbColor), GetGValue(brush.lbColor), GetRValue(brush.lbColor));
+    return RGB(GetBValue(colour), GetGValue(colour), GetRValue(colour));
 }
 
 } // namespace
@@ -153,7 +148,7 @@ TEST_CASE_METHOD(AboutFixture, "the about picture has round corners on the page'
 {
     const PageWindow page = Open();
     const ShownPicture picture(page.Item(1011));
-    const DWORD dwPage = PageColour(page);
+    const DWORD dwPage = AsPixel(GetSysColor(COLOR_3DFACE)); // there is no sheet, and so no theme of one
     REQUIRE(dwPage != kGround);
     for (int i = 0; i < 4; ++i)
     {
@@ -169,4 +164,24 @@ TEST_CASE_METHOD(AboutFixture, "the about picture has round corners on the page'
     CHECK(picture.At(0, 80) == kGround);
     CHECK(picture.At(80, 159.5) == kGround);
     CHECK(picture.At(159.5, 80) == kGround);
+}
+
+TEST_CASE_METHOD(DrivenFixture, "in a sheet the about picture's corners cannot be told from the page",
+                 "[ui][about][driven][serial]")
+{
+    const OpenSheet sheet = Open(Road::Hosted);
+    const HWND hPage = sheet.TurnTo(2);
+    UpdateWindow(hPage);
+    const HWND hControl = GetDlgItem(hPage, 1011);
+    POINT beside = {-3, -3};
+    MapWindowPoints(hControl, hPage, &beside, 1);
+    const HDC hDC = GetDC(hPage);
+    const DWORD dwPage = AsPixel(GetPixel(hDC, beside.x, beside.y));
+    ReleaseDC(hPage, hDC);
+    const ShownPicture picture(hControl);
+    for (int i = 0; i < 4; ++i)
+    {
+        CAPTURE(i);
+        CHECK(picture.Corner(i) == dwPage);
+    }
 }
