@@ -34,6 +34,7 @@ set_target_properties(VelUI_checked PROPERTIES
     RUNTIME_OUTPUT_DIRECTORY ${checked_folder} ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib/checked)
 target_link_libraries(VelUI_checked PRIVATE velui_core_checked)
 velui_delay_load(VelUI_checked)
+velui_late_streams(VelUI_checked)
 velui_page_aligned(VelUI_checked)
 
 # velui_checked_program(twin ...): the program once more, of the same objects, linked with the checked library. What

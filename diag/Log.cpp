@@ -13,6 +13,7 @@
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
+#include <ios>
 #include <memory>
 #include <new>
 #include <string>
@@ -213,6 +214,9 @@ int StartLogging(const char* pszConfigFile) noexcept
             loggingDisabled = true;
             return 0;
         }
+        // The library writes to the standard streams where a configuration says so. The module makes them here, once,
+        // and not already at load (support/runtime/LateStreams.cpp).
+        static const std::ios_base::Init s_streams;
         LogConfigurator configurator;
         s_bLibraryUsed = true;
         log4cpp::PropertyConfigurator::configure(strConfigFile);

@@ -48,6 +48,7 @@ PAIRED = {
     "support/module/PrinterInterface.h": "the interface as Windows publishes it; the entry points stand in driver/",
     "support/runtime/DelayLoad.cpp": "a function that the slots of dlltool's libraries call",
     "support/runtime/EmulatedTls.cpp": "functions that the compiler calls",
+    "support/runtime/LateStreams.cpp": "functions that the linker puts in the place of others",
     "support/runtime/StaticGuards.cpp": "functions that the compiler calls",
     "bench/floors/LinkedLibraries.cpp": "part of a module of its own, which nobody calls",
 }

@@ -15,6 +15,7 @@
 //   user=NAME         makes Windows name another user
 //   also=FILE         loads another library; whether it could be done
 //   release=NAME      gives one reference to a library back; whether it is gone with it
+//   output=FILE       leads the standard output into a file; whether it could be done
 //   context=FILE      activates the manifest's activation context; whether it could be done
 //   atexit            asks for DC_SIZE again when the process ends; the answer becomes the exit code
 
@@ -212,6 +213,7 @@ const std::map<std::wstring, std::function<std::string(const wchar_t*)>> kAction
     {L"user", [](const wchar_t* pszName) { return Told(SetEnvironmentVariableW(L"WINEUSERNAME", pszName)); }},
     {L"also", [](const wchar_t* pszFile) { return Told(LoadLibraryW(pszFile) != nullptr); }},
     {L"release", [](const wchar_t* pszName) { return Told(Release(pszName)); }},
+    {L"output", [](const wchar_t* pszFile) { return Told(_wfreopen(pszFile, L"w", stdout) != nullptr); }},
     {L"context", [](const wchar_t* pszManifest) { return Told(Activate(pszManifest)); }},
     {L"atexit", [](const wchar_t*) { return Told(std::atexit(&AskAtEnd) == 0); }},
 };

@@ -352,6 +352,25 @@ TEST_CASE_METHOD(FarLogFixture, "where ws2_32 can't be had the log that needs it
     CHECK(ResultsLogged() == 1);
 }
 
+// The module makes the standard streams when its log starts, not at load.
+TEST_CASE_METHOD(BareFixture, "a log on the standard output is written", "[driver][diag]")
+{
+    WriteFileBytes(folder.File(L"LogConfig.conf"), "rootCategory=ERROR\n"
+                                                   "category.VelUI_dll=DEBUG, out\n"
+                                                   "appender.out=ConsoleAppender\n"
+                                                   "appender.out.layout=BasicLayout\n");
+    const std::wstring strOutput = folder.File(L"output.txt");
+    const Lines results = Do({L"user=SYSTEM", L"output=" + strOutput, L"load", L"size", L"unload", L"load", L"size"});
+    CHECK(results[3] == "220");
+    CHECK(results[4] == "done");
+    CHECK(results[6] == "220");
+    CHECK(dwExitCode == 0);
+    const std::string strWritten = ReadFileBytes(strOutput);
+    const size_t uiFirst = strWritten.find("dwReturn = 220");
+    REQUIRE(uiFirst != std::string::npos);
+    CHECK(strWritten.find("dwReturn = 220", uiFirst + 1) != std::string::npos);
+}
+
 namespace
 {
 
