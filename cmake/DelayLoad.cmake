@@ -7,13 +7,14 @@
 # A function that is called and not listed here is linked plainly, and tests/driver/ModuleFileTest.cpp tells of it.
 set(velui_delayed_libraries comctl32 gdi32 iphlpapi shell32 user32 ws2_32)
 set(velui_delayed_comctl32 CreatePropertySheetPageW DestroyPropertySheetPage)
-set(velui_delayed_gdi32 DeleteObject)
+set(velui_delayed_gdi32
+    CreateCompatibleDC CreateDIBSection DeleteDC DeleteObject GdiFlush GetDIBits GetObjectW SelectObject SetViewportOrgEx)
 set(velui_delayed_iphlpapi GetAdaptersInfo)
 set(velui_delayed_shell32 SHGetFolderPathW)
 set(velui_delayed_user32
-    CheckDlgButton EnableWindow GetDlgItem GetDlgItemTextW GetParent GetWindowLongPtrW GetWindowTextW IsDlgButtonChecked
-    IsWindow LoadImageW LoadStringW MessageBoxW SendDlgItemMessageW SendMessageW SetDlgItemTextW SetWindowLongPtrW
-    SetWindowTextW)
+    CheckDlgButton EnableWindow GetClientRect GetDlgItem GetDlgItemTextW GetParent GetWindowLongPtrW GetWindowTextW
+    IsDlgButtonChecked IsWindow LoadImageW LoadStringW MapWindowPoints MessageBoxW PostMessageW SendDlgItemMessageW
+    SendMessageW SetDlgItemTextW SetWindowLongPtrW SetWindowTextW)
 # Of log4cpp's syslog appenders, and of the machine's identity.
 set(velui_delayed_ws2_32
     WSACleanup WSAGetLastError WSAStartup closesocket gethostbyaddr gethostbyname gethostname htons inet_addr sendto socket)
