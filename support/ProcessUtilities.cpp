@@ -8,6 +8,7 @@
 #include <boost/bind/bind.hpp>
 
 #include <cstdlib>
+#include <cwchar>
 #include <iterator>
 #include <shlobj.h>
 #include <tlhelp32.h>
@@ -159,7 +160,8 @@ std::wstring PathFileNamePart(const std::wstring& strPath)
     _wsplitpath_s(strPath.c_str(), nullptr, 0, nullptr, 0, strName.data(), uiUnits, strExtension.data(), uiUnits);
     std::wstring strPart(uiUnits, L'\0');
     _wmakepath(strPart.data(), nullptr, nullptr, strName.c_str(), strExtension.c_str());
-    return strPart.c_str();
+    strPart.resize(std::wcslen(strPart.c_str()));
+    return strPart;
 }
 
 bool PathsEqual(const std::wstring& strFirst, const std::wstring& strSecond)

@@ -33,8 +33,8 @@ struct ManyCallsFixture : ClientFixture
             CHECK(ledger.Bytes() == cbOfEach * iCalls);
         }
         CHECK(NextHandle() == uiHandle);
-        // What the platform keeps for the module would show in the heap. Where blocks stay by design that tells nothing:
-        // the heap's own share of each differs from one version of the platform to the next.
+        // What the platform keeps for the module would show in the heap. Where blocks stay by design that tells
+        // nothing: the heap's own share of each differs from one version of the platform to the next.
         if (cbOfEach == 0)
         {
             const auto cbGrowth = static_cast<ptrdiff_t>(HeapInUse()) - static_cast<ptrdiff_t>(cbHeap);
