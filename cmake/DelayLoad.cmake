@@ -25,9 +25,8 @@ foreach(library ${velui_delayed_libraries})
     list(JOIN velui_delayed_${library} "\n" names)
     file(CONFIGURE OUTPUT ${delay_folder}/${library}.def CONTENT "LIBRARY ${library}.dll\nEXPORTS\n${names}\n")
     set(file ${delay_folder}/lib${library}_delay.a)
-    # The tool puts its description of the library among the code and lets it be written, which would let all of the
-    # module's code be written. It goes to the constants, between the marks that DelayLoad.cpp sets. The tool's names
-    # come from the file's, which therefore has no folder in front.
+    # The tool puts its description of the library among the code. It goes to the constants, between the marks that
+    # DelayLoad.cpp sets there. The tool's names come from the file's, which therefore has no folder in front.
     add_custom_command(OUTPUT ${file}
         COMMAND ${CMAKE_DLLTOOL} -m i386:x86-64 -d ${library}.def -y lib${library}_delay.a
         COMMAND ${CMAKE_OBJCOPY} --rename-section .text$2=.rdata$delay2,alloc,load,readonly,data,contents
