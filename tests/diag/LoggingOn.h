@@ -41,6 +41,8 @@ public:
     std::vector<std::string> Lines() const;
     /// The same text in one piece, each line with "\n".
     std::string Text() const;
+    /// Bytes of the log file so far: for a log that is too long to be read again and again.
+    size_t Bytes() const { return ReadFileBytes(m_strLog).size(); }
     /// Whether some line holds the text.
     bool Has(const std::string& strText) const { return Text().find(strText) != std::string::npos; }
 

@@ -77,8 +77,8 @@ void CheckFaultRow(const std::string& strWork, const std::map<std::string, int>&
 {
     CAPTURE(strWork);
     const auto found = FaultTable().find(strWork);
-    REQUIRE(found != FaultTable().end()); // or docs/faults.md lacks a row
-    FaultRow row = found->second;
+    CHECK(found != FaultTable().end()); // or docs/faults.md lacks a row
+    FaultRow row = found != FaultTable().end() ? found->second : FaultRow();
     for (const auto& [strFunction, iCount] : reached)
     {
         CAPTURE(strFunction, iCount);

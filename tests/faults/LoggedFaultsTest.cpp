@@ -13,16 +13,32 @@
 
 #include <filesystem>
 
-TEST_CASE_METHOD(LoggedFaults, "a log that fails does not show in the answers of capability queries", "[faults][log]")
+namespace
 {
-    const auto papers = [] {
-        WORD numbers[4] = {};
-        const std::string strAnswer =
-            Armed([&] { return DrvDeviceCapabilities(nullptr, nullptr, DC_PAPERS, numbers, nullptr); });
-        return strAnswer + Hex(numbers, sizeof(numbers));
-    };
-    Compare("DrvDeviceCapabilities, logged", papers);
-    Compare("DrvDeviceCapabilities, logged in files that change", papers, RollingLog());
+
+std::string AskPapers()
+{
+    WORD numbers[4] = {};
+    const std::string strAnswer =
+        Armed([&] { return DrvDeviceCapabilities(nullptr, nullptr, DC_PAPERS, numbers, nullptr); });
+    return strAnswer + Hex(numbers, sizeof(numbers));
+}
+
+} // namespace
+
+TEST_CASE_METHOD(LoggedFaults, "a log that fails does not show in a capability", "[faults][log]")
+{
+    Compare("DrvDeviceCapabilities, logged", &AskPapers);
+}
+
+TEST_CASE_METHOD(LoggedFaults, "a log that fails while it changes its file does not show in a capability",
+                 "[faults][log]")
+{
+    Compare("DrvDeviceCapabilities, logged in files that change", &AskPapers, RollingLog());
+}
+
+TEST_CASE_METHOD(LoggedFaults, "a log that fails does not show in the names for the spooler", "[faults][log]")
+{
     Compare("DrvSplDeviceCaps, logged", [] {
         wchar_t szDevice[] = L"VelPrinter";
         wchar_t aszNames[4][64] = {};
@@ -30,21 +46,29 @@ TEST_CASE_METHOD(LoggedFaults, "a log that fails does not show in the answers of
             Armed([&] { return DrvSplDeviceCaps(nullptr, szDevice, DC_PAPERNAMES, aszNames, 256, nullptr); });
         return strAnswer + Hex(aszNames, sizeof(aszNames));
     });
-    Compare("DevQueryPrintEx, logged", [] { return Armed([] { return DevQueryPrintEx(nullptr); }); });
 }
 
-TEST_CASE_METHOD(LoggedFaults, "a log that fails does not show in the answers about records", "[faults][log]")
+TEST_CASE_METHOD(LoggedFaults, "a log that fails with its call stacks does not show in short calls", "[faults][log]")
 {
-    Compare("DrvConvertDevMode, logged", [] {
-        wchar_t szPrinter[] = L"VelPrinter";
-        stuDrvDevmode in = PlainRecord();
-        stuDrvDevmode out = {};
-        out.stuDevmode.dmSize = 220;
-        LONG cbNeeded = sizeof(out);
-        const std::string strAnswer = Armed(
-            [&] { return DrvConvertDevMode(szPrinter, &in.stuDevmode, &out.stuDevmode, &cbNeeded, CDM_CONVERT); });
-        return strAnswer + std::to_string(cbNeeded) + " " + Hex(&out, sizeof(out));
-    });
+    Compare(
+        "DevQueryPrintEx, logged", [] { return Armed([] { return DevQueryPrintEx(nullptr); }); }, EverythingLogged());
+    Compare(
+        "DrvConvertDevMode, logged",
+        [] {
+            wchar_t szPrinter[] = L"VelPrinter";
+            stuDrvDevmode in = PlainRecord();
+            stuDrvDevmode out = {};
+            out.stuDevmode.dmSize = 220;
+            LONG cbNeeded = sizeof(out);
+            const std::string strAnswer = Armed(
+                [&] { return DrvConvertDevMode(szPrinter, &in.stuDevmode, &out.stuDevmode, &cbNeeded, CDM_CONVERT); });
+            return strAnswer + std::to_string(cbNeeded) + " " + Hex(&out, sizeof(out));
+        },
+        EverythingLogged());
+}
+
+TEST_CASE_METHOD(LoggedFaults, "a log that fails does not show in the default record", "[faults][log]")
+{
     Compare("DrvConvertDevMode, default, logged", [] {
         stuDrvDevmode out = {};
         LONG cbNeeded = sizeof(out);
@@ -52,6 +76,10 @@ TEST_CASE_METHOD(LoggedFaults, "a log that fails does not show in the answers ab
             Armed([&] { return DrvConvertDevMode(nullptr, nullptr, &out.stuDevmode, &cbNeeded, CDM_DRIVER_DEFAULT); });
         return strAnswer + std::to_string(cbNeeded) + " " + Hex(&out, sizeof(out));
     });
+}
+
+TEST_CASE_METHOD(LoggedFaults, "a log that fails does not show in a record without a sheet", "[faults][log]")
+{
     Compare("DrvDocumentPropertySheets, record, logged", [] {
         stuDrvDevmode record = PlainRecord();
         DOCUMENTPROPERTYHEADER header = {};
@@ -183,13 +211,16 @@ private:
 TEST_CASE_METHOD(LoggedLauncher, "a log that fails does not show in the check of the resident client", "[faults][log]")
 {
     // Inside a scope, where the check's own messages are written: the client's file is missing.
-    Compare("CheckResidentClient, logged", [] {
-        return Armed([] {
-            const TraceScope scope("Outer");
-            CheckResidentClient();
-            return 0;
-        });
-    });
+    Compare(
+        "CheckResidentClient, logged",
+        [] {
+            return Armed([] {
+                const TraceScope scope("Outer");
+                CheckResidentClient();
+                return 0;
+            });
+        },
+        EverythingLogged());
 }
 
 TEST_CASE_METHOD(LoggedEvents, "a log that fails does not show in the answers to printer events", "[faults][log]")

@@ -11,12 +11,13 @@ namespace
 std::vector<PROPSHEETPAGEW> s_pages;
 DLGPROC s_pfnPage = nullptr;
 std::string s_strPageAnswers;
+decltype(&CreatePropertySheetPageW) s_pfnCreatePage = nullptr;
 
 HPROPSHEETPAGE WINAPI KeepPage(LPCPROPSHEETPAGEW pPage)
 {
     const Disarmed disarmed;
     s_pages.push_back(*pPage);
-    return CreatePropertySheetPageW(pPage);
+    return s_pfnCreatePage(pPage);
 }
 
 int WINAPI AnswerBox(HWND, LPCWSTR, LPCWSTR, UINT)
@@ -102,13 +103,22 @@ struct SheetPlayer
 
 struct LoggedSheet : LoggedFaults
 {
+    LoggedSheet()
+    {
+        s_pfnCreatePage = reinterpret_cast<decltype(&CreatePropertySheetPageW)>(pageHook.Original());
+        bWrites = true;
+        iMostRuns = 40;
+    }
     const ImportHook pageHook{nullptr, "CreatePropertySheetPageW", &KeepPage};
     const ImportHook boxHook{nullptr, "MessageBoxW", &AnswerBox};
 };
 
 } // namespace
 
-TEST_CASE_METHOD(LoggedSheet, "a log that fails does not show in a whole document sheet", "[faults][log][ui]")
+// Takes ten minutes and more, and so runs only when it is asked for: tools/wine.sh --session tools/wine.sh
+// build/release/veltests.exe "[atlength]"
+TEST_CASE_METHOD(LoggedSheet, "a log that fails does not show in a whole document sheet",
+                 "[.atlength][faults][log][ui]")
 {
     Compare("a document sheet, logged", [this] {
         SheetPlayer player;

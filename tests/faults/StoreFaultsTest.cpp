@@ -13,6 +13,8 @@
 #include "tests/driver/SheetCalls.h"
 #include "tests/faults/FaultFixture.h"
 
+#include <cstring>
+
 using namespace VelUtility;
 
 namespace
@@ -89,13 +91,13 @@ struct StoreFaults : FaultFixture
     /// write an operation fails. It goes on without the lock, with defaults for what can't be read of an ini file, and
     /// when there was nothing to delete.
     /// @param pszNoFailure a function whose failure this operation does not report.
-    bool Fits(DWORD dwStatus, Owner owner, const std::string& strNoFailure) const
+    bool Fits(DWORD dwStatus, Owner owner, const char* pszNoFailure = "") const
     {
         bool bFails = false;
         for (const char* const pszFunction :
              {"RegOpenKeyExW", "RegQueryValueExW", "WritePrivateProfileStringW", "_wfopen", "fread", "fwrite"})
         {
-            bFails = bFails || (Failed(pszFunction) && strNoFailure != pszFunction);
+            bFails = bFails || (Failed(pszFunction) && std::strcmp(pszFunction, pszNoFailure) != 0);
         }
         // The first key is that of the user's name, which is hard-coded without it.
         const bool bNameAlone = owner == Owner::User && Failed("RegOpenKeyExW") && FaultScope::FirstFailing() == 1 &&
@@ -223,7 +225,7 @@ TEST_CASE_METHOD(StoreFaults, "the store's writers survive each failure", "[faul
             bAppended = false; // what an exception counts as
             const DWORD dwStatus = AppendUserMessageFile(L"lin", reinterpret_cast<const BYTE*>("abc"), 3);
             bAppended = dwStatus == PSERR_OK;
-            return Failed("fflush") || Fits(dwStatus, Owner::Machine, "");
+            return Failed("fflush") || Fits(dwStatus, Owner::Machine);
         },
         [&] {
             // A failed flush leaves the stream's bytes to its close.
@@ -273,7 +275,7 @@ TEST_CASE_METHOD(StoreFaults, "the store's readers and deleters survive each fai
         const DWORD dwStatus = GetDevDef(&record);
         // The first block is the record's, which the file is read into; the other is the lock's.
         return Failed("malloc") && FaultScope::FirstFailing() == 1 ? dwStatus == PSERR_FAILED
-                                                                   : Fits(dwStatus, Owner::User, "");
+                                                                   : Fits(dwStatus, Owner::User);
     });
     InjectStatus("GetDefSetting", Owner::User, [] {
         DWORD dwValue = 0;
