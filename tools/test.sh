@@ -4,4 +4,4 @@
 # VELUI_BUILD names another build (a preset of CMakePresets.json) than release.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-exec tools/wine.sh --session python3 tools/testrun.py "$@"
+exec python3 tools/testrun.py "$@"

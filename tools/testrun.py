@@ -1,13 +1,15 @@
 #!/usr/bin/env python3
-"""Runs the test cases of the test program, plain and checked, in a handful of processes. Started by tools/test.sh, inside
-one Wine session.
+"""Runs the test cases of the test program, plain and checked, in a handful of processes. Started by tools/test.sh.
 
-Each core has one slot; a slot keeps a process of the test program for each build (and one more under a Chinese locale)
-and hands it case after case, in an order that the seed decides. Two tags of a case ask for more:
+Each core has one slot with a Wine session of its own, prefix and display included: its programs and the server that all
+their calls wait for stay on that core, where a call costs half of what it costs across two. A slot keeps a process of the
+test program for each build (and one more under a Chinese locale) and hands it case after case, in an order that the seed
+decides. Tags of a case ask for more:
   [cp936]   a process under a Chinese locale, which gives code page 936
   [alone]   a process that runs nothing before it and nothing after it
-  [serial]  nothing else runs on the machine's other slots meanwhile
-  [shipped] run against the plain build alone: it is about the file that is shipped
+  [cores]   a process that may run on all cores: the case is about threads or processes that do
+  [once]    the plain build alone: the case is about the file that is shipped, or about what thousands of repetitions leave
+            behind, where the traps of the checked build see nothing new
 """
 import argparse
 import collections
@@ -31,6 +33,70 @@ REPEATS_ALLOWED = 3   # starts that Wine lost and that were tried again, in a wh
 Case = collections.namedtuple("Case", "build name tags file")
 
 
+class Session:
+    """A Wine session of one slot, with a prefix of its own."""
+
+    def __init__(self, core):
+        self.core = core    # on which its programs run; None for all of them
+        self.environment = {}
+        self.process = None
+
+    def begin(self, prefix):
+        """Starts it; join() waits until it stands."""
+        self.environment["VELUI_WINEPREFIX"] = str(prefix)
+        command = [ROOT / "tools/wine.sh", "--session", "sh", "-c", 'echo "$DISPLAY"; exec cat >/dev/null']
+        self.process = subprocess.Popen(self.pinned(command), stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                        env=dict(os.environ, **self.environment), start_new_session=True)
+
+    def join(self):
+        display = self.process.stdout.readline().decode().strip()
+        if not display:
+            sys.exit("a Wine session did not start")
+        self.environment["DISPLAY"] = display
+
+    def pinned(self, command, everywhere=False):
+        """A command on this session's core."""
+        if self.core is None or everywhere:
+            return command
+        return ["taskset", "-c", str(self.core), *command]
+
+    def end(self):
+        if self.process:
+            self.process.stdin.close()
+            self.process.wait()
+
+
+class Sessions(list):
+    """The sessions of all slots, for the length of a run."""
+
+    def __init__(self, count):
+        cores = sorted(os.sched_getaffinity(0))
+        super().__init__(Session(cores[at] if 1 < count <= len(cores) else None) for at in range(count))
+
+    def __enter__(self):
+        folder = ROOT / "build" / "tests"
+        folder.mkdir(parents=True, exist_ok=True)
+        prefixes = [folder / f"wine-{at + 1}" for at in range(len(self))]
+        # One is made, and copied before anything has run in it.
+        fresh = folder / "wine-new"
+        for prefix in prefixes:
+            if not (prefix / ".ready").exists():
+                if not (fresh / ".ready").exists():
+                    subprocess.run([ROOT / "tools/wine.sh", "--make"], check=True,
+                                   env=dict(os.environ, VELUI_WINEPREFIX=str(fresh)))
+                subprocess.run(["rm", "-rf", prefix], check=True)
+                subprocess.run(["cp", "-a", fresh, prefix], check=True)
+        for session, prefix in zip(self, prefixes):
+            session.begin(prefix)
+        for session in self:
+            session.join()
+        return self
+
+    def __exit__(self, *exception):
+        for session in self:
+            session.end()
+
+
 class Build:
     """One build of the test program."""
 
@@ -38,12 +104,13 @@ class Build:
         self.name = name
         self.program = program
 
-    def cases(self):
+    def cases(self, session):
         text = subprocess.run([ROOT / "tools/wine.sh", self.program, "--list-tests", "--reporter", "json"],
-                              stdout=subprocess.PIPE, check=True, text=True).stdout
+                              stdout=subprocess.PIPE, check=True, text=True,
+                              env=dict(os.environ, **session.environment)).stdout
         for test in json.loads(text)["listings"]["tests"]:
             tags = frozenset(test["tags"])
-            if self.name == "checked" and "shipped" in tags:
+            if self.name == "checked" and "once" in tags:
                 continue
             if "." not in tags and not any(tag.startswith(".") for tag in tags):
                 yield Case(self, test["name"], tags, test["source-location"]["filename"].replace("\\", "/"))
@@ -52,22 +119,23 @@ class Build:
 class Worker:
     """A process of the test program that runs the cases it is told."""
 
-    def __init__(self, build, locale, environment):
+    def __init__(self, build, locale, everywhere, session, environment):
         self.build = build
         self.locale = locale
+        self.everywhere = everywhere  # not on its session's core alone
         self.ran = []          # what it ran, in order
         self.case = None
         self.buffer = b""
         self.ready = False
         self.started = self.since = time.monotonic()
-        environment = dict(os.environ, **environment)
+        environment = dict(os.environ, **session.environment, **environment)
         if locale == "936":
             environment["VELUI_LOCALE"] = "zh_CN.UTF-8"
         folder = build.program.parent / "tests"
         folder.mkdir(exist_ok=True)
-        self.process = subprocess.Popen([ROOT / "tools/wine.sh", "--direct", build.program, "--worker"], cwd=folder,
-                                        stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                                        env=environment, start_new_session=True)
+        command = session.pinned([ROOT / "tools/wine.sh", "--direct", build.program, "--worker"], everywhere)
+        self.process = subprocess.Popen(command, cwd=folder, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                        stderr=subprocess.STDOUT, env=environment, start_new_session=True)
         os.set_blocking(self.process.stdout.fileno(), False)
 
     def begin(self, case):
@@ -114,14 +182,15 @@ class Worker:
 
 
 class Run:
-    def __init__(self, options):
+    def __init__(self, options, sessions):
         self.options = options
+        self.sessions = sessions[:options.jobs]  # one for each slot
         self.done = 0
         self.total = 0
         self.failed = []       # (case, order file or None)
         self.passed = 0
         self.times = {}
-        self.workers = [{} for _ in range(options.jobs)]  # for each slot, by (build, locale)
+        self.workers = [{} for _ in self.sessions]  # for each slot, by the worker's key
         self.began = time.monotonic()
         self.shown = 0
         self.starts = 0
@@ -167,8 +236,9 @@ class Run:
     # -- what is run
 
     @staticmethod
-    def locale(case):
-        return "936" if "cp936" in case.tags else ""
+    def key(case):
+        """What the cases of one process have in common: build, locale, and whether it may run on all cores."""
+        return case.build.name, "936" if "cp936" in case.tags else "", "cores" in case.tags
 
     def environment(self, case):
         """Variables for a process that is started for a case."""
@@ -179,13 +249,13 @@ class Run:
         return self.options.timeout
 
     def start(self, slot, case):
-        key = (case.build.name, self.locale(case))
+        key = self.key(case)
         worker = self.workers[slot].get(key)
         if worker and ("alone" in case.tags or self.options.alone):
             self.retire(slot, key)
             worker = None
         if worker is None:
-            worker = Worker(case.build, key[1], self.environment(case))
+            worker = Worker(case.build, *key[1:], self.sessions[slot], self.environment(case))
             self.starts += 1
             self.workers[slot][key] = worker
             self.selector.register(worker.process.stdout, selectors.EVENT_READ)
@@ -201,7 +271,7 @@ class Run:
 
     def drop(self, slot, worker):
         """Forgets a process that has ended or was ended."""
-        self.workers[slot].pop((worker.build.name, worker.locale))
+        self.workers[slot].pop((worker.build.name, worker.locale, worker.everywhere))
         self.selector.unregister(worker.process.stdout)
         worker.process.stdout.close()
 
@@ -214,7 +284,7 @@ class Run:
         else:
             self.fail(case, worker, f"failed after {time.monotonic() - worker.since:.1f} s", output)
         if "alone" in case.tags or self.options.alone:
-            self.retire(slot, (worker.build.name, worker.locale))
+            self.retire(slot, self.key(case))
 
     def look(self, slot, worker):
         """What has become of a worker's case."""
@@ -256,9 +326,9 @@ class Run:
     def busy(self, slot):
         return any(worker.case for worker in self.workers[slot].values())
 
-    def run(self, cases, slots=None):
+    def run(self, cases):
         """Runs cases, the first ones first."""
-        slots = range(self.options.jobs) if slots is None else slots
+        slots = range(len(self.sessions))
         waiting = collections.deque(cases)
         self.selector = selectors.DefaultSelector()
         for slot in self.workers:
@@ -321,11 +391,17 @@ def main():
     options = parse()
     if options.order:
         options.jobs = 1
-    run = Run(options)
     found = builds(options.only)
     if not found:
         sys.exit("no test program is built: make test")
-    cases = [case for build in found for case in build.cases()]
+    with Sessions(options.jobs) as sessions:
+        sys.exit(run_all(options, found, sessions))
+
+
+def run_all(options, found, sessions):
+    """@return the exit code."""
+    run = Run(options, sessions)
+    cases = [case for build in found for case in build.cases(sessions[0])]
     if options.order:
         by_name = {(case.build.name, case.name): case for case in cases}
         lines = [line.split("\t") for line in pathlib.Path(options.order).read_text().splitlines()]
@@ -340,7 +416,7 @@ def main():
     if options.list:
         for case in cases:
             print(f"{case.build.name}: {case.name} {sorted(case.tags)}")
-        return
+        return 0
     seed = options.seed if options.seed is not None else random.SystemRandom().randrange(1 << 31)
     durations = ROOT / "build" / "tests" / "durations.json"
     before = json.loads(durations.read_text()) if durations.exists() else {}
@@ -349,15 +425,10 @@ def main():
         # Long ones early, so that none is left running alone at the end; among themselves the order stays random.
         cases.sort(key=lambda case: before.get(f"{case.build.name} {case.name}", 0) < LONG)
     cases = [case for case in cases for _ in range(options.repeat)]
-    serial = [case for case in cases if "serial" in case.tags]
     run.total = len(cases)
     print(f"== {len(cases)} test cases in random order, seed {seed}, {options.jobs} at a time", flush=True)
     try:
-        if options.order:
-            run.run(cases)
-        else:
-            run.run([case for case in cases if "serial" not in case.tags])
-            run.run(serial, [0])
+        run.run(cases)
         failures = list(run.failed)
         run.end_workers()
         # A case that failed in company is tried alone, to say which of the two it takes. It stays failed.
@@ -365,7 +436,7 @@ def main():
         if not options.order and not options.alone:
             for case, order in failures[:20]:
                 if order and case not in alone:
-                    judge = Run(argparse.Namespace(**{**vars(options), "jobs": 1, "alone": True}))
+                    judge = Run(argparse.Namespace(**{**vars(options), "jobs": 1, "alone": True}), sessions)
                     judge.say = judge.progress = lambda *a, **k: None
                     judge.fail = lambda case, worker, why, output: judge.failed.append((case, None))
                     judge.run([case])
@@ -374,7 +445,7 @@ def main():
     except KeyboardInterrupt:
         run.abandon()
         print("\ninterrupted")
-        sys.exit(130)
+        return 130
     if not options.order:
         durations.write_text(json.dumps({**before, **run.times}, indent=0, sort_keys=True))
     if run.tty:
@@ -396,7 +467,7 @@ def main():
     for line in repeats:
         print("  repeated: " + line)
     print(f"tests: {run.passed} passed, {len(run.failed)} failed")
-    sys.exit(1 if run.failed or len(repeats) > REPEATS_ALLOWED else 0)
+    return 1 if run.failed or len(repeats) > REPEATS_ALLOWED else 0
 
 
 if __name__ == "__main__":

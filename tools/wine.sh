@@ -6,6 +6,7 @@
 #   tools/wine.sh --session COMMAND [...]   runs a command of the host while one Wine session stands, so that the programs
 #                                           it runs start in a few hundredths of a second; ends the session with it
 #   tools/wine.sh --direct PROGRAM [...]    runs a program whose output goes straight to a pipe, see below
+#   tools/wine.sh --make                    makes the prefix, if it is not there, and runs nothing in it
 #   tools/wine.sh --stop                    ends what runs in the prefix
 #
 # A session shows its windows under an Xvfb of its own, so that they come and go on nobody's desktop. VELUI_SHOW=1 shows
@@ -66,6 +67,7 @@ if [ ! -f "$WINEPREFIX/.ready" ]; then
         fi
     ) 9>"$WINEPREFIX.lock" || exit 1
 fi
+[ "$1" = --make ] && exit 0
 if [ "$1" = --session ]; then
     shift
     # The session lives as long as one program in it: a command interpreter that waits for its input. The platform's

@@ -63,7 +63,7 @@ DWORD WINAPI LogOnce(void*)
 
 } // namespace
 
-TEST_CASE("8 threads with 10,000 nested calls each leave whole lines with the right frames", "[diag][threads]")
+TEST_CASE("8 threads with 10,000 nested calls each leave whole lines with the right frames", "[diag][threads][cores]")
 {
     LogSetup setup;
     setup.strPattern = "%x|%m|%n"; // the thread's frames, and the message
@@ -93,7 +93,7 @@ TEST_CASE("8 threads with 10,000 nested calls each leave whole lines with the ri
     }
 }
 
-TEST_CASE("1,000 threads that logged leave no memory behind", "[diag][threads]")
+TEST_CASE("1,000 threads that logged leave no memory behind", "[diag][threads][once]")
 {
     const LoggingOn logging;
     const auto runThreads = [](int iCount) {

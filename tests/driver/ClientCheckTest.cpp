@@ -200,7 +200,7 @@ TEST_CASE_METHOD(CheckFixture, "a path without the Program Files folder is kept 
 }
 
 TEST_CASE_METHOD(CheckFixture, "of two threads that make the client's path at once the first decides for both",
-                 "[driver][client]")
+                 "[driver][client][cores]")
 {
     s_hInside = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     s_hGoOn = CreateEventW(nullptr, TRUE, FALSE, nullptr);

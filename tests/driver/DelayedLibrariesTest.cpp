@@ -140,7 +140,7 @@ TEST_CASE_METHOD(BareFixture, "the libraries that the module took go with it", "
 
 TEST_CASE_METHOD(BareFixture,
                  "5,000 loads with a person's query leave libraries, indexes, handles and memory as before",
-                 "[driver][delay][load]")
+                 "[driver][delay][load][once]")
 {
     const std::wstring strShell = L"also=C:\\windows\\system32\\shell32.dll";
     const Lines results = Do({

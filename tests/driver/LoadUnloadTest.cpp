@@ -92,7 +92,8 @@ private:
 
 } // namespace
 
-TEST_CASE("5,000 loads and unloads leave indexes, modules, handles and memory as before the first", "[driver][load]")
+TEST_CASE("5,000 loads and unloads leave indexes, modules, handles and memory as before the first",
+          "[driver][load][once]")
 {
     const ThrowingClient client;
     for (int i = 0; i < 100; ++i)
@@ -119,7 +120,8 @@ TEST_CASE("5,000 loads and unloads leave indexes, modules, handles and memory as
     CHECK(cbAfter < cbHeap + 5000 * 16);
 }
 
-TEST_CASE_METHOD(ClientFixture, "200 loads and unloads with a log leave handles and memory as before", "[driver][load]")
+TEST_CASE_METHOD(ClientFixture, "200 loads and unloads with a log leave handles and memory as before",
+                 "[driver][load][once]")
 {
     const std::string strLog = std::filesystem::path(folder.File(L"log.txt")).string();
     WriteFileBytes(folder.File(L"LogConfig.conf"), "rootCategory=ERROR\n"
@@ -144,7 +146,8 @@ TEST_CASE_METHOD(ClientFixture, "200 loads and unloads with a log leave handles 
     CHECK(cbAfter < cbHeap + 200 * 16);
 }
 
-TEST_CASE_METHOD(ClientFixture, "1,000 loads with a log and no call between leave memory as before", "[driver][load]")
+TEST_CASE_METHOD(ClientFixture, "1,000 loads with a log and no call between leave memory as before",
+                 "[driver][load][once]")
 {
     const std::string strLog = std::filesystem::path(folder.File(L"log.txt")).string();
     WriteFileBytes(folder.File(L"LogConfig.conf"), "rootCategory=ERROR\n"

@@ -53,7 +53,7 @@ constexpr int kOften = 100000;
 
 } // namespace
 
-TEST_CASE_METHOD(ManyCallsFixture, "100,000 capability queries leave no handle and no memory", "[driver][often]")
+TEST_CASE_METHOD(ManyCallsFixture, "100,000 capability queries leave no handle and no memory", "[driver][often][once]")
 {
     const auto pfnCaps = Bare(module.DeviceCapabilities);
     Repeat(kOften, 0, [=] { pfnCaps(nullptr, nullptr, DC_SIZE, nullptr, nullptr); });
@@ -62,7 +62,8 @@ TEST_CASE_METHOD(ManyCallsFixture, "100,000 capability queries leave no handle a
     Repeat(kOften, 0, [&] { pfnSpl(nullptr, nullptr, DC_SIZE, szNames, 64, nullptr); });
 }
 
-TEST_CASE_METHOD(ManyCallsFixture, "1,000 queries of the snapshot leave no handle and no memory", "[driver][often]")
+TEST_CASE_METHOD(ManyCallsFixture, "1,000 queries of the snapshot leave no handle and no memory",
+                 "[driver][often][once]")
 {
     WriteCaps(PaperKeys(kPapers, kAbleKeys));
     wchar_t aszNames[4][64];
@@ -70,7 +71,7 @@ TEST_CASE_METHOD(ManyCallsFixture, "1,000 queries of the snapshot leave no handl
     Repeat(1000, 0, [&] { pfnCaps(nullptr, nullptr, DC_PAPERNAMES, aszNames, nullptr); });
 }
 
-TEST_CASE_METHOD(ManyCallsFixture, "100,000 conversions leave no handle and no memory", "[driver][often]")
+TEST_CASE_METHOD(ManyCallsFixture, "100,000 conversions leave no handle and no memory", "[driver][often][once]")
 {
     const auto pfnConvert = Bare(module.ConvertDevMode);
     stuDrvDevmode in = PlainRecord();
@@ -89,7 +90,7 @@ TEST_CASE_METHOD(ManyCallsFixture, "100,000 conversions leave no handle and no m
 }
 
 TEST_CASE_METHOD(ManyCallsFixture, "100,000 questions for the record's size, and 1,000 for the record, leave nothing",
-                 "[driver][often]")
+                 "[driver][often][once]")
 {
     const auto pfnSheet = Bare(module.DocumentSheets);
     DOCUMENTPROPERTYHEADER header = {};
@@ -102,7 +103,7 @@ TEST_CASE_METHOD(ManyCallsFixture, "100,000 questions for the record's size, and
 
 TEST_CASE_METHOD(ManyCallsFixture,
                  "1,000 sheets that are opened and ended without a window leave their lists of papers",
-                 "[driver][often]")
+                 "[driver][often][once]")
 {
     WriteCaps(PaperKeys(kPapers, kAbleKeys));
     stuDrvDevmode in = PlainRecord();

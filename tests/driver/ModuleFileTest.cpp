@@ -145,7 +145,7 @@ TEST_CASE("the module may be loaded anywhere and its data is never executed", "[
 
 #ifdef NDEBUG
 // Of the module that is shipped; the checked one beside its own test program keeps its symbols.
-TEST_CASE("the module carries nothing but itself, and its debug symbols lie beside it", "[driver][file][shipped]")
+TEST_CASE("the module carries nothing but itself, and its debug symbols lie beside it", "[driver][file][once]")
 {
     const PeFile file(ModulePath());
     // What every process that prints maps. The limit is there for what gets in by mistake: symbols are 10 MB and more,

@@ -198,7 +198,7 @@ TEST_CASE("a flag that forbids windows changes nothing for an added connection",
     CHECK(driver.Ran(L"velup.exe"));
 }
 
-TEST_CASE("1,000 events that start nothing lose no handle", "[driver][events]")
+TEST_CASE("1,000 events that start nothing lose no handle", "[driver][events][once]")
 {
     const DriverFolder driver(L"drv", false);
     driver.Event(PRINTER_EVENT_ADD_CONNECTION, L"\\\\host\\x");

@@ -197,7 +197,7 @@ TEST_CASE_METHOD(LauncherFixture, "DrvSplDeviceCaps checks for no client", "[dri
     CHECK(s_iWalks == 0);
 }
 
-TEST_CASE_METHOD(LauncherFixture, "1,000 checks with a known client lose no handle", "[driver][client]")
+TEST_CASE_METHOD(LauncherFixture, "1,000 checks with a known client lose no handle", "[driver][client][once]")
 {
     PlaceStandIn(strClient);
     Check();

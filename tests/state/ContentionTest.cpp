@@ -162,11 +162,11 @@ private:
 } // namespace
 
 TEST_CASE_METHOD(ClientFixture, "a crowd of processes, some ended at random, leaves no lock behind and no torn answer",
-                 "[state][locks][contention]")
+                 "[state][locks][contention][cores]")
 {
     wchar_t szSeconds[8] = {};
     GetEnvironmentVariableW(L"VELUI_STRESS_SECONDS", szSeconds, 8);
-    const DWORD dwMilliseconds = 1000 * (szSeconds[0] != L'\0' ? _wtoi(szSeconds) : 8);
+    const DWORD dwMilliseconds = 1000 * (szSeconds[0] != L'\0' ? _wtoi(szSeconds) : 4);
     {
         ChildProcess first(BesideTests(L"storeworker.exe"), {L"write", L"1", registry.Root()});
         REQUIRE(first.Wait(20000) == 0);

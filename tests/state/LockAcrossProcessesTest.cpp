@@ -86,7 +86,7 @@ TEST_CASE_METHOD(ClientFixture, "a lock with a time-out ends while another proce
 }
 
 TEST_CASE_METHOD(ClientFixture, "readers in processes and threads never see a torn snapshot",
-                 "[state][locks][processes]")
+                 "[state][locks][processes][cores]")
 {
     // The first snapshot is there before any reader starts.
     ChildProcess first(BesideTests(L"storeworker.exe"), {L"write", L"1", registry.Root()});

@@ -112,7 +112,7 @@ TEST_CASE_METHOD(ClientFixture, "a snapshot of five entries in each list comes b
     CheckRoundTrip(printer);
 }
 
-TEST_CASE_METHOD(ClientFixture, "a snapshot of 300 papers comes back entry for entry", "[state][snapshot]")
+TEST_CASE_METHOD(ClientFixture, "a snapshot of 300 papers comes back entry for entry", "[state][snapshot][once]")
 {
     const BigPrinter printer(300, L"Entry ");
     const PrinterInfo info = {L"P", L"L", L"D"};

@@ -298,7 +298,7 @@ TEST_CASE_METHOD(UserFixture, "a Chinese user has files of that name under code 
 }
 
 TEST_CASE_METHOD(UserFixture, "four processes append 1,000 messages each, none lost or torn",
-                 "[state][records][processes]")
+                 "[state][records][processes][cores]")
 {
     std::vector<std::unique_ptr<ChildProcess>> writers;
     for (int i = 0; i < 4; ++i)

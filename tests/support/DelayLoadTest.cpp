@@ -120,7 +120,7 @@ TEST_CASE("a function's first call loads its library and fills its slot, and the
     CHECK(function.Slot() == pfn);
 }
 
-TEST_CASE("threads that meet at a function's first call leave one reference to its library", "[support][delay]")
+TEST_CASE("threads that meet at a function's first call leave one reference to its library", "[support][delay][cores]")
 {
     // A library that nothing else in the program needs, so that giving the one reference back unloads it.
     static constexpr wchar_t kLibrary[] = L"rstrtmgr.dll";

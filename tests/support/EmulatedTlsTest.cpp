@@ -144,7 +144,7 @@ TEST_CASE("using a thread's variable leaves the last error alone", "[support][tl
     });
 }
 
-TEST_CASE("eight threads that throw at once each catch their own exception", "[support][tls]")
+TEST_CASE("eight threads that throw at once each catch their own exception", "[support][tls][cores]")
 {
     struct Work
     {

@@ -285,7 +285,7 @@ TEST_CASE("a file name is found whatever the length of the path and of the name"
 
 // In a process of its own: once the folder is found nobody looks for it.
 TEST_CASE("of two threads that look for the Program Files folder at once the first to find it decides for both",
-          "[support][account][alone]")
+          "[support][account][alone][cores]")
 {
     s_hInside = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     s_hGoOn = CreateEventW(nullptr, TRUE, FALSE, nullptr);

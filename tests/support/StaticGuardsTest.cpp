@@ -49,7 +49,7 @@ int ThirdTimeValue()
 
 } // namespace
 
-TEST_CASE("a function's static is made once, and threads that come meanwhile wait for it", "[support][statics]")
+TEST_CASE("a function's static is made once, and threads that come meanwhile wait for it", "[support][statics][cores]")
 {
     LONG values[8] = {};
     HANDLE threads[8];

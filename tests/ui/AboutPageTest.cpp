@@ -167,7 +167,7 @@ TEST_CASE_METHOD(AboutFixture, "the about picture has round corners on the page'
 }
 
 TEST_CASE_METHOD(DrivenFixture, "in a sheet the about picture's corners cannot be told from the page",
-                 "[ui][about][driven][serial]")
+                 "[ui][about][driven]")
 {
     const OpenSheet sheet = Open(Road::Hosted);
     const HWND hPage = sheet.TurnTo(2);

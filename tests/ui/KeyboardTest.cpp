@@ -1,5 +1,5 @@
-// The sheet under the keyboard alone: where the focus goes, and what changes on its way. Each case is [serial]: a
-// window of another process's that comes up would take the focus away.
+// The sheet under the keyboard alone: where the focus goes, and what changes on its way. A window of another process's
+// that came up would take the focus away; the cases that run meanwhile show theirs on another display.
 
 #include "tests/ui/DrivenFixture.h"
 
@@ -65,7 +65,7 @@ int FirstShown(HWND hPage)
 TEST_CASE_METHOD(KeyboardFixture,
                  "Tab stops once in each group of the settings page, at what is chosen, and changes "
                  "nothing",
-                 "[ui][driven][keyboard][serial]")
+                 "[ui][driven][keyboard]")
 {
     struct Choice
     {
@@ -92,7 +92,7 @@ TEST_CASE_METHOD(KeyboardFixture,
 
 TEST_CASE_METHOD(KeyboardFixture,
                  "the arrow keys choose within a group and do not leave it, and the tab stop goes along",
-                 "[ui][driven][keyboard][serial]")
+                 "[ui][driven][keyboard]")
 {
     record.stuDevmode.dmDuplex = 3;
     OpenSheet sheet = Open(Road::Hosted);
@@ -119,7 +119,7 @@ TEST_CASE_METHOD(KeyboardFixture,
 }
 
 TEST_CASE_METHOD(KeyboardFixture, "Tab on the advanced page stops at its button and its box and changes nothing",
-                 "[ui][driven][keyboard][serial]")
+                 "[ui][driven][keyboard]")
 {
     OpenSheet sheet = Open(Road::Hosted);
     const HWND hPage = sheet.TurnTo(1);
@@ -131,7 +131,7 @@ TEST_CASE_METHOD(KeyboardFixture, "Tab on the advanced page stops at its button 
 }
 
 TEST_CASE_METHOD(KeyboardFixture, "Tab on the about page stops at the sheet's own controls alone",
-                 "[ui][driven][keyboard][serial]")
+                 "[ui][driven][keyboard]")
 {
     OpenSheet sheet = Open(Road::Hosted);
     sheet.TurnTo(2);
@@ -142,7 +142,7 @@ TEST_CASE_METHOD(KeyboardFixture, "Tab on the about page stops at the sheet's ow
 
 TEST_CASE_METHOD(KeyboardFixture,
                  "a paper's name that is longer than its box shows its beginning, however it is chosen",
-                 "[ui][driven][keyboard][serial]")
+                 "[ui][driven][keyboard]")
 {
     // 63 characters, as many as a name can have.
     std::wstring strLong = L"A0 ";

@@ -52,7 +52,7 @@ struct Holdings
 
 TEST_CASE_METHOD(ClientFixture,
                  "60 sheets leave no window, no picture and no handle, and of memory their lists of papers",
-                 "[ui][growth][serial]")
+                 "[ui][growth][once]")
 {
     WriteCaps(PaperKeys(kPapers, kAbleKeys));
     const BuiltModule module;
