@@ -54,10 +54,8 @@ std::string NarrowText(PCWSTR pszValue)
     // At most two bytes a unit in the code pages that msvcrt's wcstombs serves; _TRUNCATE covers any other.
     std::vector<char> text(wcslen(pszValue) * 2 + 1);
     size_t cbConverted = 0;
-    if (wcstombs_s(&cbConverted, text.data(), text.size(), pszValue, _TRUNCATE) == EILSEQ)
-    {
-        return std::string();
-    }
+    // Of what the locale lacks an empty text is made.
+    wcstombs_s(&cbConverted, text.data(), text.size(), pszValue, _TRUNCATE);
     return text.data();
 }
 

@@ -134,7 +134,7 @@ def keep(path, tree, found):
     os.replace(part, path)
 
 
-def prepare(store, shop, screen, options):
+def prepare(store, shop, screen, options, sessions):
     """Builds, measures what is not known yet, and returns the hunter."""
     import testrun
     from mutation import hunt, reach
@@ -145,18 +145,18 @@ def prepare(store, shop, screen, options):
     if options.measure or not reached.exists():
         screen.say("== building with counters, to measure once which case runs which function (REACH=new does it again)")
         shop.make(counters=True)
-        cases = list(tests.cases())
+        cases = list(tests.cases(sessions[0]))
         alone = argparse.Namespace(jobs=options.jobs, alone=True, timeout=300)
-        reached.write_text(json.dumps(reach.measure(shop, cases, alone, known, screen.tell)))
+        reached.write_text(json.dumps(reach.measure(shop, cases, alone, sessions, known, screen.tell)))
     screen.say("== building the unchanged tree")
     shop.make()
     tree = workshops.fingerprint(shop.copy)
-    cases = list(tests.cases())
+    cases = list(tests.cases(sessions[0]))
     base = store / "baseline.json"
     found = kept(base, tree)
     if found is None:
         screen.say(f"== running all {len(cases)} cases on the unchanged tree")
-        run = hunt.Baseline(screen.tell, options.jobs)
+        run = hunt.Baseline(screen.tell, sessions)
         usual = run.all(cases)
         found = {"usual": usual, "unreliable": run.unreliable}
         keep(base, tree, found)
@@ -164,7 +164,7 @@ def prepare(store, shop, screen, options):
         screen.say(f"not asked, since it does not pass without a fault: '{name}' {why}")
     cases = [case for case in cases if case.name not in found["unreliable"]]
     table = reach.Table(reached, shop.copy)
-    return hunt.Hunter(shop, cases, table, found["usual"], screen.tell, options.jobs, options.quick), tree
+    return hunt.Hunter(shop, cases, table, found["usual"], screen.tell, sessions, options.quick), tree
 
 
 def chosen(options, mutants, store, screen):
@@ -213,7 +213,14 @@ def report(tried, screen):
 
 
 def hunt_in_copy(options):
-    """The part that runs in the copy, within its Wine session."""
+    """The part that runs in the copy, whose Wine prefixes and all else below build/ are its own."""
+    import testrun
+
+    with testrun.Sessions(options.jobs) as sessions:
+        return hunt_in_sessions(options, sessions)
+
+
+def hunt_in_sessions(options, sessions):
     from mutation import hunt
 
     store = ROOT.parent
@@ -230,7 +237,7 @@ def hunt_in_copy(options):
     screen.say(f"== {len(mutants)} faults can be made, {len(mutants) - len(open_ones)} of them are listed as changing nothing")
     tried, counts, began, spent = [], collections.Counter(), time.monotonic(), 0.0
     try:
-        hunter, tree = prepare(store, shop, screen, options)
+        hunter, tree = prepare(store, shop, screen, options, sessions)
         order, wanted = chosen(options, open_ones, store, screen)
         screen.say(f"== {wanted} faults, seed {options.seed}")
         verdicts = kept(store / "verdicts.json", tree) or {}
@@ -276,8 +283,7 @@ def start(options):
     copy = ROOT / "build" / "mutants" / "tree"
     copy.mkdir(parents=True, exist_ok=True)
     workshops.bring_up_to_date(ROOT, copy)
-    # The prefix and everything else below build/ that tools/wine.sh makes is the copy's own.
-    child = subprocess.Popen([copy / "tools/wine.sh", "--session", sys.executable, copy / "tools/mutants.py", *sys.argv[1:],
+    child = subprocess.Popen([sys.executable, copy / "tools/mutants.py", *sys.argv[1:],
                               "--seed", str(options.seed)], cwd=copy, env=dict(os.environ, **{INSIDE: "1"}),
                              start_new_session=True)
     while True:

@@ -162,7 +162,7 @@ private:
 } // namespace
 
 TEST_CASE_METHOD(ClientFixture, "a crowd of processes, some ended at random, leaves no lock behind and no torn answer",
-                 "[state][locks][contention][cores]")
+                 "[state][locks][contention][cores][once]")
 {
     wchar_t szSeconds[8] = {};
     GetEnvironmentVariableW(L"VELUI_STRESS_SECONDS", szSeconds, 8);

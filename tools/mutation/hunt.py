@@ -32,8 +32,8 @@ class Failed(Exception):
 class Trial(testrun.Run):
     """A run that ends at the first case that does not pass."""
 
-    def __init__(self, usual, tell, jobs, alone=False):
-        super().__init__(argparse.Namespace(jobs=jobs, alone=alone, timeout=300))
+    def __init__(self, usual, tell, sessions, alone=False):
+        super().__init__(argparse.Namespace(jobs=len(sessions), alone=alone, timeout=300), sessions)
         self.usual = usual
         self.tell = tell
         self.passing = set()
@@ -59,8 +59,7 @@ class Trial(testrun.Run):
         """@return the Failed of the first case that did not pass, or None."""
         self.total = len(cases)
         try:
-            self.run([case for case in cases if "serial" not in case.tags])
-            self.run([case for case in cases if "serial" in case.tags], [0])
+            self.run(cases)
             self.end_workers()
         except Failed as failed:
             return failed
@@ -72,8 +71,8 @@ class Trial(testrun.Run):
 class Baseline(testrun.Run):
     """A run of all cases on the unchanged tree: how long each takes, and which can't be relied on."""
 
-    def __init__(self, tell, jobs):
-        super().__init__(argparse.Namespace(jobs=jobs, alone=False, timeout=300))
+    def __init__(self, tell, sessions):
+        super().__init__(argparse.Namespace(jobs=len(sessions), alone=False, timeout=300), sessions)
         self.tell = tell
         self.unreliable = {}
 
@@ -86,22 +85,21 @@ class Baseline(testrun.Run):
     def all(self, cases):
         self.total = len(cases)
         try:
-            self.run([case for case in cases if "serial" not in case.tags])
-            self.run([case for case in cases if "serial" in case.tags], [0])
+            self.run(cases)
             self.end_workers()
         finally:
             self.abandon()
         return {name.split(" ", 1)[1]: seconds for name, seconds in self.times.items()}
 
 
-def leftover_processes(prefix):
-    """Programs of the tests' that are still there in our Wine prefix, by number: not the platform's own."""
-    wanted = f"WINEPREFIX={prefix}".encode()
+def leftover_processes(prefixes):
+    """Programs of the tests' that are still there in our Wine prefixes, by number: not the platform's own."""
+    wanted = {f"WINEPREFIX={prefix}".encode() for prefix in prefixes}
     for folder in pathlib.Path("/proc").iterdir():
         if not folder.name.isdigit() or int(folder.name) == os.getpid():
             continue
         try:
-            if wanted not in (folder / "environ").read_bytes().split(b"\0"):
+            if wanted.isdisjoint((folder / "environ").read_bytes().split(b"\0")):
                 continue
             program = (folder / "cmdline").read_bytes().split(b"\0")[0].decode(errors="replace")
         except OSError:
@@ -111,16 +109,15 @@ def leftover_processes(prefix):
 
 
 class Hunter:
-    def __init__(self, shop, cases, table, usual, tell, jobs, quick):
+    def __init__(self, shop, cases, table, usual, tell, sessions, quick):
         self.shop = shop
         self.cases = cases
         self.table = table    # of reach, or None
         self.usual = usual    # seconds by case's name
         self.tell = tell
-        self.jobs = jobs
+        self.sessions = sessions
         self.quick = quick    # whether the cases that are known to run a fault's place are enough
         self.killers = collections.Counter()  # (path, case's name)
-        self.prefix = shop.copy / "build" / "wine"
 
     def order(self, mutant):
         """The cases that are known to run the fault's place, and all others; in both the likely ones first: those that
@@ -140,7 +137,7 @@ class Hunter:
 
     def clear_up(self):
         """Ends what a fault has left behind: a program that waits for a lock for ever, and would keep others from it."""
-        for number in leftover_processes(self.prefix):
+        for number in leftover_processes(session.environment["VELUI_WINEPREFIX"] for session in self.sessions):
             try:
                 os.kill(number, signal.SIGKILL)
             except ProcessLookupError:
@@ -150,13 +147,14 @@ class Hunter:
         """@return the Failed of a case that notices the fault, or None."""
         waiting = list(cases)
         while waiting:
-            trial = Trial(self.usual, lambda text: self.tell(f"{stage}, {text}"), self.jobs)
+            trial = Trial(self.usual, lambda text: self.tell(f"{stage}, {text}"), self.sessions)
             failed = trial.first_failure(waiting)
             self.clear_up()
             if failed is None:
                 return None
             # Once more, by itself: neither chance nor what ran before it in its process may decide.
-            again = Trial(self.usual, lambda text: self.tell(f"{stage}, once more '{failed.case.name}'"), 1, alone=True)
+            again = Trial(self.usual, lambda text: self.tell(f"{stage}, once more '{failed.case.name}'"),
+                          self.sessions[:1], alone=True)
             if again.first_failure([failed.case]):
                 self.clear_up()
                 return failed

@@ -61,8 +61,8 @@ def ran(path):
 class Measurement(testrun.Run):
     """A run of all cases that keeps what each of them ran."""
 
-    def __init__(self, options, workshop, known, tell):
-        super().__init__(options)
+    def __init__(self, options, sessions, workshop, known, tell):
+        super().__init__(options, sessions)
         self.workshop = workshop
         self.known = known  # the product's paths
         self.tell = tell
@@ -95,14 +95,13 @@ class Measurement(testrun.Run):
         shutil.rmtree(folder, ignore_errors=True)
 
 
-def measure(workshop, cases, options, known, tell):
+def measure(workshop, cases, options, sessions, known, tell):
     """@return the table: by file its text's hash and, by function, the cases that run it."""
-    run = Measurement(options, workshop, known, tell)
+    run = Measurement(options, sessions, workshop, known, tell)
     run.total = len(cases)
     shutil.rmtree(run.counters, ignore_errors=True)
     try:
-        run.run([case for case in cases if "serial" not in case.tags])
-        run.run([case for case in cases if "serial" in case.tags], [0])
+        run.run(cases)
         run.end_workers()
     except BaseException:
         run.abandon()
