@@ -113,37 +113,71 @@ struct LoggedSheet : LoggedFaults
     const ImportHook boxHook{nullptr, "MessageBoxW", &AnswerBox};
 };
 
+/// One page of a sheet that was opened before, as a real window, which costs so much that a few failures of each
+/// function must do while everything is logged; which ones, the run's seed decides.
+struct LoggedPage : LoggedSheet
+{
+    LoggedPage() { iMostRuns = 4; }
+
+    template <typename Hand>
+    void ComparePage(const char* pszPage, size_t uiPage, Hand hand)
+    {
+        Compare(pszPage, [=] {
+            SheetPlayer player;
+            player.info.Reason = PROPSHEETUI_REASON_INIT;
+            REQUIRE(DrvDocumentPropertySheets(&player.info, 0) == 1);
+            hand(*player.Show(module.handle, uiPage));
+            player.info.Reason = PROPSHEETUI_REASON_DESTROY;
+            REQUIRE(DrvDocumentPropertySheets(&player.info, 0) == 1);
+            return player.strAnswers + s_strPageAnswers + Hex(&player.out, sizeof(player.out)) +
+                   ReadFileBytes(DevModeFile()) + ReadFileBytes(DefSettingFile());
+        });
+    }
+};
+
 } // namespace
 
-// Takes ten minutes and more, and so runs only when it is asked for: tools/wine.sh --session tools/wine.sh
-// build/release/veltests.exe "[atlength]"
-TEST_CASE_METHOD(LoggedSheet, "a log that fails does not show in a whole document sheet",
-                 "[.atlength][faults][log][ui]")
+TEST_CASE_METHOD(LoggedSheet, "a log that fails does not show when a document sheet opens and ends",
+                 "[faults][log][ui]")
 {
-    Compare("a document sheet, logged", [this] {
+    Compare("DrvDocumentPropertySheets, sheet, logged", [] {
         SheetPlayer player;
         const std::string strOpened = player.Call(PROPSHEETUI_REASON_INIT, 0);
         if (strOpened != "1 ")
         {
             return strOpened;
         }
-        {
-            const auto pPage = player.Show(module.handle, 0);
-            SendMessageW(pPage->Item(IDC_PAPER), CB_SETCURSEL, 1, 0);
-            SendMessageW(pPage->Get(), WM_COMMAND, MAKEWPARAM(IDC_PAPER, CBN_SELCHANGE),
-                         reinterpret_cast<LPARAM>(pPage->Item(IDC_PAPER)));
-            SendMessageW(pPage->Item(IDC_LANDSCAPE), BM_CLICK, 0, 0);
-            pPage->Notify(static_cast<UINT>(PSN_APPLY));
-        }
-        {
-            const auto pPage = player.Show(module.handle, 1);
-            SendMessageW(pPage->Item(IDC_NO_WATERMARK), BM_CLICK, 0, 0);
-            pPage->Notify(static_cast<UINT>(PSN_APPLY));
-        }
-        player.Show(module.handle, 2);
-        return strOpened + player.strAnswers + player.Call(PROPSHEETUI_REASON_DESTROY, 0) + s_strPageAnswers +
-               Hex(&player.out, sizeof(player.out)) + ReadFileBytes(DevModeFile()) + ReadFileBytes(DefSettingFile());
+        return strOpened + std::to_string(player.pages.size()) + " " + player.Call(PROPSHEETUI_REASON_DESTROY, 0);
     });
+}
+
+TEST_CASE_METHOD(LoggedPage, "a log that fails does not show in the settings page, nor in what it stores",
+                 "[faults][log][ui][once]")
+{
+    ComparePage("ProSetPage, logged", 0, [](const PageWindow& page) {
+        SendMessageW(page.Item(IDC_PAPER), CB_SETCURSEL, 1, 0);
+        SendMessageW(page.Get(), WM_COMMAND, MAKEWPARAM(IDC_PAPER, CBN_SELCHANGE),
+                     reinterpret_cast<LPARAM>(page.Item(IDC_PAPER)));
+        if (page.Enabled(IDC_LANDSCAPE)) // the platform would look for an enabled button of the group for ever
+        {
+            page.Click(IDC_LANDSCAPE);
+        }
+        page.Notify(static_cast<UINT>(PSN_APPLY));
+    });
+}
+
+TEST_CASE_METHOD(LoggedPage, "a log that fails does not show in the advanced page, nor in what it stores",
+                 "[faults][log][ui][once]")
+{
+    ComparePage("ProSeniorPage, logged", 1, [](const PageWindow& page) {
+        page.Click(IDC_NO_WATERMARK);
+        page.Notify(static_cast<UINT>(PSN_APPLY));
+    });
+}
+
+TEST_CASE_METHOD(LoggedPage, "a log that fails does not show in the about page", "[faults][log][ui][once]")
+{
+    ComparePage("ProAbouPage, logged", 2, [](const PageWindow&) {});
 }
 
 TEST_CASE_METHOD(LoggedSheet, "a log that fails does not show in a device sheet", "[faults][log][ui]")
