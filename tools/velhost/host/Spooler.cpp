@@ -34,6 +34,22 @@ std::wstring OrEmpty(const wchar_t* pszText)
     return pszText == nullptr ? std::wstring() : std::wstring(pszText);
 }
 
+/// The drivers for 64-bit Windows.
+std::vector<DriverDescription> InstalledDrivers()
+{
+    DWORD dwCount = 0;
+    const std::vector<BYTE> buffer = AskTwice("can't list the drivers", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
+        return EnumPrinterDriversW(nullptr, nullptr, 3, pby, cb, pcbNeeded, &dwCount);
+    });
+    const auto* const pInfos = reinterpret_cast<const DRIVER_INFO_3W*>(buffer.data());
+    std::vector<DriverDescription> drivers;
+    std::transform(pInfos, pInfos + dwCount, std::back_inserter(drivers), [](const DRIVER_INFO_3W& info) {
+        return DriverDescription{OrEmpty(info.pName), OrEmpty(info.pDriverPath), OrEmpty(info.pConfigFile),
+                                 OrEmpty(info.pDataFile)};
+    });
+    return drivers;
+}
+
 } // namespace
 
 bool IsSameName(const std::wstring& strLeft, const std::wstring& strRight)
@@ -91,20 +107,28 @@ PrinterDescription DescribePrinter(const std::wstring& strName)
 
 std::optional<DriverDescription> FindDriver(const std::wstring& strName)
 {
-    DWORD dwCount = 0;
-    const std::vector<BYTE> buffer = AskTwice("can't list the drivers", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
-        return EnumPrinterDriversW(nullptr, nullptr, 3, pby, cb, pcbNeeded, &dwCount);
+    const std::vector<DriverDescription> drivers = InstalledDrivers();
+    const auto found = std::find_if(drivers.begin(), drivers.end(), [&strName](const DriverDescription& driver) {
+        return IsSameName(driver.strName, strName);
     });
-    const auto* const pInfos = reinterpret_cast<const DRIVER_INFO_3W*>(buffer.data());
-    const auto* const pFound = std::find_if(pInfos, pInfos + dwCount, [&strName](const DRIVER_INFO_3W& info) {
-        return IsSameName(OrEmpty(info.pName), strName);
+    return found == drivers.end() ? std::nullopt : std::make_optional(*found);
+}
+
+bool IsDriverFile(const std::wstring& strFile)
+{
+    const std::vector<DriverDescription> drivers = InstalledDrivers();
+    return std::any_of(drivers.begin(), drivers.end(), [&strFile](const DriverDescription& driver) {
+        return IsSameName(driver.strDriverFile, strFile) || IsSameName(driver.strConfigFile, strFile) ||
+               IsSameName(driver.strDataFile, strFile);
     });
-    if (pFound == pInfos + dwCount)
-    {
-        return std::nullopt;
-    }
-    return DriverDescription{OrEmpty(pFound->pName), OrEmpty(pFound->pDriverPath), OrEmpty(pFound->pConfigFile),
-                             OrEmpty(pFound->pDataFile)};
+}
+
+std::wstring SpoolerDriverFolder()
+{
+    const std::vector<BYTE> buffer = AskTwice("can't ask for the drivers' folder", [](BYTE* pby, DWORD cb, DWORD* pcb) {
+        return GetPrinterDriverDirectoryW(nullptr, nullptr, 1, pby, cb, pcb);
+    });
+    return std::wstring(reinterpret_cast<const wchar_t*>(buffer.data())) + L"\\3";
 }
 
 std::vector<std::wstring> PortNames()

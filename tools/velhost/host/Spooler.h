@@ -63,6 +63,13 @@ PrinterDescription DescribePrinter(const std::wstring& strName);
 /// @return the driver of that name for 64-bit Windows, or nothing.
 std::optional<DriverDescription> FindDriver(const std::wstring& strName);
 
+/// @return whether any driver for 64-bit Windows has this file, by its full path, as one of its three.
+bool IsDriverFile(const std::wstring& strFile);
+
+/// The folder in which the spooler keeps the files of 64-bit drivers of its version 3, without a separator at its end.
+/// Throws CommandError on failure.
+std::wstring SpoolerDriverFolder();
+
 /// @return names of the local ports.
 std::vector<std::wstring> PortNames();
 
