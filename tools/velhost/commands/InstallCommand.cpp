@@ -117,6 +117,27 @@ void AddPrinterOnce(std::wstring strPrinter, std::wstring strPort, InstallReport
     report.pszPrinter = "added";
 }
 
+/// Makes the printer's default record say that pages are printed at their own size, where it says nothing. The module's
+/// records have no scale. Wine's PostScript driver starts from the printer's default record, and with a scale of 0 it
+/// tells applications of 0 dots per inch: their texts come out as small as dust, or they divide by it.
+void SetPrinterScale(const std::wstring& strPrinter)
+{
+    constexpr short kOwnSize = 100; // per cent
+    const PrinterHandle printer = OpenInstalledPrinter(strPrinter, PRINTER_ALL_ACCESS);
+    std::vector<BYTE> record = PrinterDefaultRecord(printer);
+    auto* const pRecord = reinterpret_cast<DEVMODEW*>(record.data());
+    if (record.size() < sizeof(DEVMODEW) || pRecord->dmScale != 0)
+    {
+        return;
+    }
+    pRecord->dmScale = kOwnSize;
+    PRINTER_INFO_8W info = {pRecord};
+    if (!SetPrinterW(printer.Get(), 8, reinterpret_cast<BYTE*>(&info), 0))
+    {
+        ThrowCommandError("can't set the default record of the printer \"" + ToUtf8(strPrinter) + "\"");
+    }
+}
+
 /// Copies the sample snapshot, unless there is one and it is to be kept.
 void CopySample(const std::wstring& strSample, const std::wstring& strConfig, bool bForce, InstallRecord& record,
                 InstallReport& report)
@@ -241,6 +262,7 @@ int RunInstall(const InstallOptions& options)
     AddPrinterOnce(strPrinter, strPort, report);
     AddOnce(record.printers, strPrinter);
     record.Save();
+    SetPrinterScale(strPrinter);
     PrintReport(options, report, folders, strConfig);
     return kExitGood;
 }

@@ -74,15 +74,6 @@ std::optional<std::vector<BYTE>> InputFile(const SheetOptions& options)
     return record;
 }
 
-/// A record of a size to be filled, with that size in its header: the module goes by what the header says.
-std::vector<BYTE> RecordToFill(LONG lSize)
-{
-    std::vector<BYTE> record(static_cast<size_t>(lSize));
-    AsDevmode(record)->dmSize = kDevmodeSize;
-    AsDevmode(record)->dmDriverExtra = static_cast<WORD>(lSize - kDevmodeSize);
-    return record;
-}
-
 /// Asks for the size and then the record, as an application does before it shows the sheet.
 std::vector<BYTE> AskRecord(SheetLibrary::SheetFunction* pfnSheet, std::wstring& strPrinter)
 {
@@ -94,7 +85,7 @@ std::vector<BYTE> AskRecord(SheetLibrary::SheetFunction* pfnSheet, std::wstring&
     {
         throw CommandError("the module tells no record size: " + std::to_string(lSize));
     }
-    std::vector<BYTE> record = RecordToFill(lSize);
+    std::vector<BYTE> record = EmptyRecord(lSize);
     header.pdmOut = AsDevmode(record);
     header.fMode = DM_OUT_BUFFER;
     if (const LONG lReturn = pfnSheet(nullptr, reinterpret_cast<LPARAM>(&header)); lReturn < 0)
@@ -158,19 +149,9 @@ SheetReport SpoolDocument(const SheetOptions& options)
 {
     std::wstring strPrinter = FromUtf8(options.strPrinter);
     const PrinterHandle printer = OpenInstalledPrinter(strPrinter);
-    const LONG lSize = DocumentPropertiesW(nullptr, printer.Get(), strPrinter.data(), nullptr, nullptr, 0);
-    if (lSize < static_cast<LONG>(sizeof(DEVMODEW)))
-    {
-        throw CommandError("the spooler tells no record size: " + std::to_string(lSize));
-    }
     SheetReport report;
     std::optional<std::vector<BYTE>> input = InputFile(options);
-    report.before = input ? *input : RecordToFill(lSize);
-    if (!input)
-    {
-        DocumentPropertiesW(nullptr, printer.Get(), strPrinter.data(), AsDevmode(report.before), nullptr,
-                            DM_OUT_BUFFER);
-    }
+    report.before = input ? *input : UserDefaultRecord(strPrinter);
     report.after = report.before;
     std::vector<BYTE> in = report.before;
     const LONG lReturn = DocumentPropertiesW(nullptr, printer.Get(), strPrinter.data(), AsDevmode(report.after),

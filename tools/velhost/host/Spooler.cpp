@@ -1,5 +1,6 @@
 #include "tools/velhost/host/Spooler.h"
 
+#include "settings/DriverDevmode.h"
 #include "tools/velhost/report/CommandError.h"
 #include "tools/velhost/report/Encoding.h"
 
@@ -32,6 +33,14 @@ std::vector<BYTE> AskTwice(const std::string& strWhat, const std::function<BOOL(
 std::wstring OrEmpty(const wchar_t* pszText)
 {
     return pszText == nullptr ? std::wstring() : std::wstring(pszText);
+}
+
+/// What the spooler knows of a printer, a PRINTER_INFO_2W with what it points to.
+std::vector<BYTE> PrinterInfo2(const PrinterHandle& printer)
+{
+    return AskTwice("can't describe the printer", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
+        return GetPrinterW(printer.Get(), 2, pby, cb, pcbNeeded);
+    });
 }
 
 /// The drivers for 64-bit Windows.
@@ -97,12 +106,50 @@ bool IsPrinterInstalled(const std::wstring& strName)
 PrinterDescription DescribePrinter(const std::wstring& strName)
 {
     const PrinterHandle printer = OpenInstalledPrinter(strName);
-    const std::vector<BYTE> buffer = AskTwice("can't describe the printer", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
-        return GetPrinterW(printer.Get(), 2, pby, cb, pcbNeeded);
-    });
+    const std::vector<BYTE> buffer = PrinterInfo2(printer);
     const auto& info = *reinterpret_cast<const PRINTER_INFO_2W*>(buffer.data());
     return {OrEmpty(info.pPrinterName), OrEmpty(info.pPortName), OrEmpty(info.pDriverName), OrEmpty(info.pLocation),
             OrEmpty(info.pComment)};
+}
+
+std::vector<BYTE> PrinterDefaultRecord(const PrinterHandle& printer)
+{
+    const std::vector<BYTE> buffer = PrinterInfo2(printer);
+    const DEVMODEW* const pRecord = reinterpret_cast<const PRINTER_INFO_2W*>(buffer.data())->pDevMode;
+    if (pRecord == nullptr)
+    {
+        return {};
+    }
+    const auto* const pbyRecord = reinterpret_cast<const BYTE*>(pRecord);
+    return std::vector<BYTE>(pbyRecord, pbyRecord + DeclaredSize(*pRecord));
+}
+
+std::vector<BYTE> EmptyRecord(LONG lSize)
+{
+    std::vector<BYTE> record(static_cast<size_t>(lSize));
+    auto& header = *reinterpret_cast<DEVMODEW*>(record.data());
+    header.dmSize = kDevmodeSize;
+    header.dmDriverExtra = static_cast<WORD>(lSize - kDevmodeSize);
+    return record;
+}
+
+std::vector<BYTE> UserDefaultRecord(const std::wstring& strPrinter)
+{
+    const PrinterHandle printer = OpenInstalledPrinter(strPrinter);
+    std::wstring strName = strPrinter;
+    const LONG lSize = DocumentPropertiesW(nullptr, printer.Get(), strName.data(), nullptr, nullptr, 0);
+    if (lSize < static_cast<LONG>(sizeof(DEVMODEW)))
+    {
+        throw CommandError("the spooler tells no record size: " + std::to_string(lSize));
+    }
+    std::vector<BYTE> record = EmptyRecord(lSize);
+    const LONG lReturn = DocumentPropertiesW(nullptr, printer.Get(), strName.data(),
+                                             reinterpret_cast<DEVMODEW*>(record.data()), nullptr, DM_OUT_BUFFER);
+    if (lReturn < 0)
+    {
+        throw CommandError("the driver refuses the user's default record: " + std::to_string(lReturn));
+    }
+    return record;
 }
 
 std::optional<DriverDescription> FindDriver(const std::wstring& strName)

@@ -60,6 +60,18 @@ bool IsPrinterInstalled(const std::wstring& strName);
 /// Throws CommandError for an unknown name.
 PrinterDescription DescribePrinter(const std::wstring& strName);
 
+/// The default record that the spooler keeps for a printer, for all its users; empty when it keeps none. Throws
+/// CommandError on failure.
+std::vector<BYTE> PrinterDefaultRecord(const PrinterHandle& printer);
+
+/// A record of a size, all 0 but for that size in its header: the module goes by what the header says.
+/// @param lSize bytes, at least those of a DEVMODEW.
+std::vector<BYTE> EmptyRecord(LONG lSize);
+
+/// The user's default record of a printer, as an application gets it from Windows before it prints. Throws CommandError
+/// for an unknown printer, and when the driver refuses to tell the size or to fill the record.
+std::vector<BYTE> UserDefaultRecord(const std::wstring& strPrinter);
+
 /// @return the driver of that name for 64-bit Windows, or nothing.
 std::optional<DriverDescription> FindDriver(const std::wstring& strName);
 
