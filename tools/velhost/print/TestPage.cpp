@@ -106,7 +106,11 @@ void DrawGrid(const Canvas& page)
         if (const double dX = i * 10 - page.Left(); dX > 0)
         {
             page.Line(dX, 0, dX, page.Height(), kPen, colour(i));
-            page.Text(dX + kGap, kGap, kLetters, false, std::to_string(i));
+            // The last line may be too near to the frame for its number.
+            if (dX + kGap + 2 * kLetters < page.Width())
+            {
+                page.Text(dX + kGap, kGap, kLetters, false, std::to_string(i));
+            }
         }
     }
     for (int i = 1; i * 10 - page.Top() < page.Height(); ++i)
@@ -114,7 +118,10 @@ void DrawGrid(const Canvas& page)
         if (const double dY = i * 10 - page.Top(); dY > 0)
         {
             page.Line(0, dY, page.Width(), dY, kPen, colour(i));
-            page.Text(kGap, dY + kGap, kLetters, false, std::to_string(i));
+            if (dY + kGap + 2 * kLetters < page.Height())
+            {
+                page.Text(kGap, dY + kGap, kLetters, false, std::to_string(i));
+            }
         }
     }
 }
