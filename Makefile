@@ -19,7 +19,7 @@ build: configure ## build/release/VelUI.dll and velhost.exe
 	@cmake --build --preset release -j $(JOBS) --target VelUI velhost
 	@ls -l $(BUILD)/VelUI.dll $(BUILD)/velhost.exe
 
-run: build ## install the driver into a Wine spooler, ask for its capabilities, show its document sheet
+run: build ## install the driver into a Wine spooler, ask for its capabilities, show its document sheet, print a page
 	@tools/run.sh
 
 test: configure ## build the module plain and with traps for undefined behaviour, and run all tests on both

@@ -25,7 +25,6 @@ namespace
 {
 
 constexpr wchar_t kPassportFile[] = L"passport.dat";
-constexpr wchar_t kDevModeFile[] = L"DevMode.dat";
 
 /// Bytes of DevMode.dat: the public part of the driver's record.
 constexpr size_t kDevModeBytes = 220;

@@ -8,6 +8,9 @@
 namespace VelUtility
 {
 
+/// The default device mode's name, without the user in front of it.
+inline constexpr wchar_t kDevModeFile[] = L"DevMode.dat";
+
 /// Stores the 220 bytes of a device mode as the current user's DevMode.dat; nothing of a private tail.
 /// @return 0 also when the disk is full.
 DWORD SetDevDef(const DEVMODEW* pstuDevmode);

@@ -6,12 +6,12 @@ cd "$(dirname "$0")/.."
 
 say() { echo "== $*"; }
 
-# What for: cross compiler and resource compiler; build tools; drawings into icons and bitmaps; Wine, a display and a
-# Chinese font; header-only libraries; the source of locales (code page 936 needs one).
+# What for: cross compiler and resource compiler; build tools; drawings into icons and bitmaps, printed pages into
+# pictures; Wine, a display and a Chinese font; header-only libraries; the source of locales (code page 936 needs one).
 packages=(
     g++-mingw-w64-x86-64-win32 binutils-mingw-w64-x86-64
     cmake ninja-build make git
-    librsvg2-bin icoutils netpbm
+    librsvg2-bin icoutils netpbm ghostscript
     wine wine64 fonts-wine xvfb fonts-wqy-microhei python3
     libboost-dev libcli11-dev nlohmann-json3-dev
     locales libc-bin util-linux

@@ -17,6 +17,9 @@ public:
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
+    /// The process, borrowed, and its number.
+    HANDLE Get() const { return m_process.hProcess; }
+    DWORD Id() const { return m_process.dwProcessId; }
     /// Waits for the end. @return the exit code, or STILL_ACTIVE after the time-out.
     DWORD Wait(DWORD dwMilliseconds);
     /// Ends the process at once.

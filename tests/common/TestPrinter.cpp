@@ -6,14 +6,14 @@
 
 #include <winspool.h>
 
-TestPrinter::SpoolerTurn::SpoolerTurn() : m_hMutex(CreateMutexW(nullptr, FALSE, L"VelTestSpooler"))
+SpoolerTurn::SpoolerTurn() : m_hMutex(CreateMutexW(nullptr, FALSE, L"VelTestSpooler"))
 {
     REQUIRE(m_hMutex != nullptr);
     // A test that was ended in its turn leaves the mutex abandoned, which is a turn too.
     WaitForSingleObject(m_hMutex, INFINITE);
 }
 
-TestPrinter::SpoolerTurn::~SpoolerTurn()
+SpoolerTurn::~SpoolerTurn()
 {
     ReleaseMutex(m_hMutex);
     CloseHandle(m_hMutex);

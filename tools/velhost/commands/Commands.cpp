@@ -18,6 +18,7 @@ void AddCommands(CLI::App& program, int& iExitCode)
     AddSetCommand(program, iExitCode);
     AddDevmodeCommand(program, iExitCode);
     AddSheetCommand(program, iExitCode);
+    AddPrintCommand(program, iExitCode);
     AddLogCommand(program, iExitCode);
 }
 

@@ -37,6 +37,7 @@ void AddSettingsCommand(CLI::App& program, int& iExitCode);
 void AddSetCommand(CLI::App& program, int& iExitCode);
 void AddDevmodeCommand(CLI::App& program, int& iExitCode);
 void AddSheetCommand(CLI::App& program, int& iExitCode);
+void AddPrintCommand(CLI::App& program, int& iExitCode);
 void AddLogCommand(CLI::App& program, int& iExitCode);
 
 /// Adds what several commands have: --module, which ModulePath understands.

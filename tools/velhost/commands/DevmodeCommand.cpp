@@ -1,8 +1,11 @@
 #include "state/DataFiles.h"
+#include "state/LockedFile.h"
+#include "state/StorePaths.h"
 #include "tools/velhost/commands/Commands.h"
 #include "tools/velhost/host/Files.h"
 #include "tools/velhost/report/CommandError.h"
 #include "tools/velhost/report/DevmodeReport.h"
+#include "tools/velhost/report/Encoding.h"
 #include "tools/velhost/report/Output.h"
 
 #include <memory>
@@ -15,6 +18,7 @@ namespace
 struct DevmodeOptions
 {
     std::string strFile;
+    bool bForget = false;
     bool bJson = false;
 };
 
@@ -32,8 +36,30 @@ std::vector<BYTE> RecordOf(const DevmodeOptions& options)
     return record;
 }
 
+/// Deletes the current user's stored record, so that the next default is the module's own again.
+int Forget()
+{
+    wchar_t szPath[VelUtility::kStorePathUnits];
+    if (!VelUtility::MakePersonalFilePath(VelUtility::kDevModeFile, szPath))
+    {
+        throw CommandError("there is no folder for the current user's stored device mode");
+    }
+    const bool bThere = IsFile(szPath);
+    VelUtility::DeleteLocked(szPath);
+    if (IsFile(szPath))
+    {
+        throw CommandError("can't delete " + ToUtf8(szPath));
+    }
+    Print((bThere ? "deleted " : "there was no ") + ToUtf8(szPath) + "\n");
+    return kExitGood;
+}
+
 int RunDevmode(const DevmodeOptions& options)
 {
+    if (options.bForget)
+    {
+        return Forget();
+    }
     const std::vector<BYTE> record = RecordOf(options);
     RequireDevmodeHeader(record, options.strFile);
     const DevmodeReport report = ReadDevmode(record.data(), record.size());
@@ -45,13 +71,18 @@ int RunDevmode(const DevmodeOptions& options)
 
 void AddDevmodeCommand(CLI::App& program, int& iExitCode)
 {
-    CLI::App* const pCommand =
-        program.add_subcommand("devmode", "Decodes a device-mode record: a file, or the current user's stored one.");
+    CLI::App* const pCommand = program.add_subcommand(
+        "devmode", "Decodes a device-mode record: a file, or the current user's stored one; or forgets that.");
     const auto pOptions = std::make_shared<DevmodeOptions>();
     CLI::Option* const pFile = pCommand->add_option("FILE", pOptions->strFile, "The record's bytes");
     CLI::Option* const pStored =
         pCommand->add_flag("--stored", "The current user's DevMode.dat (without a file the default)");
     pStored->excludes(pFile);
+    pCommand
+        ->add_flag("--forget", pOptions->bForget,
+                   "Delete the current user's DevMode.dat: what the sheet's OK has stored is forgotten")
+        ->excludes(pFile)
+        ->excludes(pStored);
     AddJsonFlag(*pCommand, pOptions->bJson);
     pCommand->callback([pOptions, &iExitCode] { iExitCode = RunDevmode(*pOptions); });
 }

@@ -3,6 +3,7 @@
 #include "tools/velhost/host/HostModule.h"
 #include "tools/velhost/host/Spooler.h"
 #include "tools/velhost/install/ClientFolders.h"
+#include "tools/velhost/install/DriverSetup.h"
 #include "tools/velhost/install/LogSetup.h"
 #include "tools/velhost/report/CommandError.h"
 #include "tools/velhost/report/Encoding.h"
@@ -24,6 +25,8 @@ struct InstallOptions
     std::string strPrinter = kDefaultPrinter;
     std::string strPort = "FILE:";
     std::string strSample;
+    std::string strDriver;
+    std::string strData;
     bool bForce = false;
     bool bLogging = false;
     bool bJson = false;
@@ -32,8 +35,7 @@ struct InstallOptions
 /// What was done, in words.
 struct InstallReport
 {
-    std::wstring strDriverFile;
-    const char* pszDriver = "";
+    DriverReport driver;
     const char* pszPrinter = "";
     const char* pszConfig = "";
     const char* pszLogConfig = ""; ///< empty when none was asked for
@@ -91,29 +93,6 @@ void CheckPort(const std::wstring& strPort)
     }
 }
 
-/// Registers the module as the files of a driver; the spooler copies it to its own folder.
-void AddDriver(std::wstring strModule, InstallReport& report)
-{
-    report.pszDriver = FindDriver(kDriverName) ? "updated" : "added";
-    std::wstring strName = kDriverName;
-    DRIVER_INFO_3W info = {};
-    info.cVersion = 3;
-    info.pName = strName.data();
-    info.pDriverPath = strModule.data();
-    info.pDataFile = strModule.data();
-    info.pConfigFile = strModule.data();
-    if (!AddPrinterDriverExW(nullptr, 3, reinterpret_cast<BYTE*>(&info), APD_COPY_ALL_FILES | APD_COPY_FROM_DIRECTORY))
-    {
-        ThrowCommandError("can't add the printer driver");
-    }
-    const auto driver = FindDriver(kDriverName);
-    if (!driver)
-    {
-        throw CommandError("the spooler does not list the driver that it accepted");
-    }
-    report.strDriverFile = driver->strConfigFile;
-}
-
 void AddPrinterOnce(std::wstring strPrinter, std::wstring strPort, InstallReport& report)
 {
     if (IsPrinterInstalled(strPrinter))
@@ -136,6 +115,27 @@ void AddPrinterOnce(std::wstring strPrinter, std::wstring strPort, InstallReport
         ThrowCommandError("can't add the printer \"" + ToUtf8(strPrinter) + "\"");
     }
     report.pszPrinter = "added";
+}
+
+/// Makes the printer's default record say that pages are printed at their own size, where it says nothing. The module's
+/// records have no scale. Wine's PostScript driver starts from the printer's default record, and with a scale of 0 it
+/// tells applications of 0 dots per inch: their texts come out as small as dust, or they divide by it.
+void SetPrinterScale(const std::wstring& strPrinter)
+{
+    constexpr short kOwnSize = 100; // per cent
+    const PrinterHandle printer = OpenInstalledPrinter(strPrinter, PRINTER_ALL_ACCESS);
+    std::vector<BYTE> record = PrinterDefaultRecord(printer);
+    auto* const pRecord = reinterpret_cast<DEVMODEW*>(record.data());
+    if (record.size() < sizeof(DEVMODEW) || pRecord->dmScale != 0)
+    {
+        return;
+    }
+    pRecord->dmScale = kOwnSize;
+    PRINTER_INFO_8W info = {pRecord};
+    if (!SetPrinterW(printer.Get(), 8, reinterpret_cast<BYTE*>(&info), 0))
+    {
+        ThrowCommandError("can't set the default record of the printer \"" + ToUtf8(strPrinter) + "\"");
+    }
 }
 
 /// Copies the sample snapshot, unless there is one and it is to be kept.
@@ -186,8 +186,15 @@ void PrintReport(const InstallOptions& options, const InstallReport& report, con
     if (options.bJson)
     {
         Json value;
-        value["driver"] = {
-            {"name", ToUtf8(kDriverName)}, {"file", ToUtf8(report.strDriverFile)}, {"state", report.pszDriver}};
+        value["driver"] = {{"name", ToUtf8(kDriverName)},
+                           {"file", ToUtf8(report.driver.strModule)},
+                           {"state", report.driver.pszState}};
+        value["rendering"] = {{"driver", ToUtf8(report.driver.strDriver)}, {"data", ToUtf8(report.driver.strData)}};
+        value["leftOvers"] = Json::array();
+        for (const auto& [strFile, pszState] : report.driver.leftOvers)
+        {
+            value["leftOvers"].push_back({{"file", ToUtf8(strFile)}, {"state", pszState}});
+        }
         value["printer"] = {{"name", options.strPrinter}, {"state", report.pszPrinter}};
         for (const ClientFolder& folder : folders)
         {
@@ -199,8 +206,14 @@ void PrintReport(const InstallOptions& options, const InstallReport& report, con
         return;
     }
     Table table({{"item"}, {"value"}, {"state"}});
-    table.AddRow({"driver", ToUtf8(kDriverName), report.pszDriver});
-    table.AddRow({"driver file", ToUtf8(report.strDriverFile), "copied"});
+    table.AddRow({"driver", ToUtf8(kDriverName), report.driver.pszState});
+    table.AddRow({"driver file", ToUtf8(report.driver.strModule), "copied"});
+    table.AddRow({"rendering", ToUtf8(report.driver.strDriver), "registered"});
+    table.AddRow({"its data", ToUtf8(report.driver.strData), "copied"});
+    for (const auto& [strFile, pszState] : report.driver.leftOvers)
+    {
+        table.AddRow({"older file", ToUtf8(strFile), pszState});
+    }
     table.AddRow({"printer", options.strPrinter, report.pszPrinter});
     for (const ClientFolder& folder : folders)
     {
@@ -220,6 +233,7 @@ int RunInstall(const InstallOptions& options)
     // All that can be checked comes before the first change.
     const std::wstring strModule = ModulePath(options.strModule);
     CheckModule(strModule);
+    const RenderingHalf rendering = FindRenderingHalf(options.strDriver, options.strData, strModule);
     const std::wstring strPrinter = FromUtf8(options.strPrinter);
     CheckPrinterName(strPrinter);
     const std::wstring strPort = FromUtf8(options.strPort);
@@ -244,12 +258,11 @@ int RunInstall(const InstallOptions& options)
         InstallLogConfig(folders, options.bForce, record, report);
     }
     record.Save();
-    AddDriver(strModule, report);
-    AddOnce(record.driverFiles, report.strDriverFile);
-    record.Save();
+    report.driver = RegisterDriver(strModule, rendering, record);
     AddPrinterOnce(strPrinter, strPort, report);
     AddOnce(record.printers, strPrinter);
     record.Save();
+    SetPrinterScale(strPrinter);
     PrintReport(options, report, folders, strConfig);
     return kExitGood;
 }
@@ -259,8 +272,9 @@ int RunInstall(const InstallOptions& options)
 void AddInstallCommand(CLI::App& program, int& iExitCode)
 {
     CLI::App* const pCommand = program.add_subcommand(
-        "install", "Registers the module as a printer driver, adds a printer with it, makes the client's folders with\n"
-                   "their registry values, and copies a sample snapshot. May be run again.");
+        "install", "Registers a printer driver with the module as its user-interface half, adds a printer with it,\n"
+                   "makes the client's folders with their registry values, and copies a sample snapshot. May be run\n"
+                   "again.");
     const auto pOptions = std::make_shared<InstallOptions>();
     AddModuleOption(*pCommand, pOptions->strModule);
     pCommand->add_option("--root", pOptions->strRoot, "The client's folder, which gets Data, Temp and Log")
@@ -271,6 +285,12 @@ void AddInstallCommand(CLI::App& program, int& iExitCode)
     pCommand
         ->add_option("--sample", pOptions->strSample,
                      "The snapshot to copy; sample\\Config.ini beside this program by default")
+        ->type_name("FILE");
+    pCommand
+        ->add_option("--driver", pOptions->strDriver,
+                     "What renders the pages, with --data; Wine's PostScript driver by default")
+        ->type_name("FILE");
+    pCommand->add_option("--data", pOptions->strData, "Its data file; sample\\VelPrinter.ppd by default")
         ->type_name("FILE");
     pCommand->add_flag("--force", pOptions->bForce, "Overwrite a snapshot, and a log configuration, that is there");
     pCommand->add_flag("--logging", pOptions->bLogging, "Install the sample log configuration: every call is logged");

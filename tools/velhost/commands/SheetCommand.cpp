@@ -29,6 +29,7 @@ struct SheetOptions
     std::string strSave;
     std::string strPictures;
     std::string strPress;
+    SheetChoices choices;
     bool bJson = false;
 };
 
@@ -41,10 +42,10 @@ struct SheetReport
     bool bGood = false;
 };
 
-/// A clerk where one is wanted: for pictures, or for a button.
+/// A clerk where one is wanted: for choices, for pictures, or for a button.
 std::unique_ptr<SheetClerk> HireClerk(const SheetOptions& options)
 {
-    if (options.strPictures.empty() && options.strPress.empty())
+    if (options.strPictures.empty() && options.strPress.empty() && options.choices.IsEmpty())
     {
         return nullptr;
     }
@@ -53,8 +54,8 @@ std::unique_ptr<SheetClerk> HireClerk(const SheetOptions& options)
     {
         throw CommandError("there is no folder " + ToUtf8(strFolder));
     }
-    return std::make_unique<SheetClerk>(
-        SheetClerk::Orders{strFolder, static_cast<WPARAM>(options.strPress == "ok" ? PSBTN_OK : PSBTN_CANCEL)});
+    return std::make_unique<SheetClerk>(SheetClerk::Orders{
+        strFolder, static_cast<WPARAM>(options.strPress == "ok" ? PSBTN_OK : PSBTN_CANCEL), options.choices});
 }
 
 DEVMODEW* AsDevmode(std::vector<BYTE>& record)
@@ -74,15 +75,6 @@ std::optional<std::vector<BYTE>> InputFile(const SheetOptions& options)
     return record;
 }
 
-/// A record of a size to be filled, with that size in its header: the module goes by what the header says.
-std::vector<BYTE> RecordToFill(LONG lSize)
-{
-    std::vector<BYTE> record(static_cast<size_t>(lSize));
-    AsDevmode(record)->dmSize = kDevmodeSize;
-    AsDevmode(record)->dmDriverExtra = static_cast<WORD>(lSize - kDevmodeSize);
-    return record;
-}
-
 /// Asks for the size and then the record, as an application does before it shows the sheet.
 std::vector<BYTE> AskRecord(SheetLibrary::SheetFunction* pfnSheet, std::wstring& strPrinter)
 {
@@ -94,7 +86,7 @@ std::vector<BYTE> AskRecord(SheetLibrary::SheetFunction* pfnSheet, std::wstring&
     {
         throw CommandError("the module tells no record size: " + std::to_string(lSize));
     }
-    std::vector<BYTE> record = RecordToFill(lSize);
+    std::vector<BYTE> record = EmptyRecord(lSize);
     header.pdmOut = AsDevmode(record);
     header.fMode = DM_OUT_BUFFER;
     if (const LONG lReturn = pfnSheet(nullptr, reinterpret_cast<LPARAM>(&header)); lReturn < 0)
@@ -158,19 +150,9 @@ SheetReport SpoolDocument(const SheetOptions& options)
 {
     std::wstring strPrinter = FromUtf8(options.strPrinter);
     const PrinterHandle printer = OpenInstalledPrinter(strPrinter);
-    const LONG lSize = DocumentPropertiesW(nullptr, printer.Get(), strPrinter.data(), nullptr, nullptr, 0);
-    if (lSize < static_cast<LONG>(sizeof(DEVMODEW)))
-    {
-        throw CommandError("the spooler tells no record size: " + std::to_string(lSize));
-    }
     SheetReport report;
     std::optional<std::vector<BYTE>> input = InputFile(options);
-    report.before = input ? *input : RecordToFill(lSize);
-    if (!input)
-    {
-        DocumentPropertiesW(nullptr, printer.Get(), strPrinter.data(), AsDevmode(report.before), nullptr,
-                            DM_OUT_BUFFER);
-    }
+    report.before = input ? *input : UserDefaultRecord(strPrinter);
     report.after = report.before;
     std::vector<BYTE> in = report.before;
     const LONG lReturn = DocumentPropertiesW(nullptr, printer.Get(), strPrinter.data(), AsDevmode(report.after),
@@ -248,6 +230,26 @@ int RunSheet(const SheetOptions& options)
 
 } // namespace
 
+namespace
+{
+
+/// What to choose on the document sheet's first page before it is closed.
+void AddChoices(CLI::App& command, SheetChoices& choices)
+{
+    command.add_option("--paper", choices.strPaper, "Choose this paper, by its name in the list")->type_name("NAME");
+    command.add_option("--orientation", choices.strOrientation, "Choose portrait or landscape")
+        ->type_name("WORD")
+        ->check(CLI::IsMember({"portrait", "landscape"}));
+    command.add_option("--colour", choices.strColour, "Choose mono or colour")
+        ->type_name("WORD")
+        ->check(CLI::IsMember({"mono", "colour"}));
+    command.add_option("--sides", choices.strSides, "Choose one side, or both, bound at the long or the short edge")
+        ->type_name("WORD")
+        ->check(CLI::IsMember({"one", "long", "short"}));
+}
+
+} // namespace
+
 void AddSheetCommand(CLI::App& program, int& iExitCode)
 {
     CLI::App* const pCommand = program.add_subcommand(
@@ -271,6 +273,7 @@ void AddSheetCommand(CLI::App& program, int& iExitCode)
     pCommand->add_option("--press", pOptions->strPress, "Turn to each page once and close the sheet: ok or cancel")
         ->type_name("BUTTON")
         ->check(CLI::IsMember({"ok", "cancel"}));
+    AddChoices(*pCommand, pOptions->choices);
     AddJsonFlag(*pCommand, pOptions->bJson, "Print JSON instead of tables");
     pCommand->callback([pOptions, &iExitCode] { iExitCode = RunSheet(*pOptions); });
 }

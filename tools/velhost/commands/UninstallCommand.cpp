@@ -4,6 +4,7 @@
 #include "tools/velhost/host/HostKey.h"
 #include "tools/velhost/host/Spooler.h"
 #include "tools/velhost/install/ClientFolders.h"
+#include "tools/velhost/install/DriverSetup.h"
 #include "tools/velhost/report/CommandError.h"
 #include "tools/velhost/report/Encoding.h"
 #include "tools/velhost/report/Output.h"
@@ -185,10 +186,14 @@ int RunUninstall(const UninstallOptions& options)
     {
         RemovePrinter(strPrinter, steps);
     }
-    // Before the driver goes: the spooler knows its file even when there is no record.
+    // Before the driver goes: the spooler knows its files even when there is no record. What renders is the platform's.
     if (const auto driver = FindDriver(kDriverName))
     {
         AddOnce(record.driverFiles, driver->strConfigFile);
+        if (IsSameName(driver->strDataFile, PathIn(SpoolerDriverFolder(), NameInFolder(kSampleData))))
+        {
+            AddOnce(record.driverFiles, driver->strDataFile);
+        }
     }
     RemoveDriver(steps);
     if (!FindDriver(kDriverName))

@@ -45,6 +45,11 @@ std::wstring PathIn(const std::wstring& strFolder, const std::wstring& strName)
     return strFolder + (bSeparated ? L"" : L"\\") + strName;
 }
 
+std::wstring NameInFolder(const std::wstring& strPath)
+{
+    return strPath.substr(strPath.find_last_of(L'\\') + 1);
+}
+
 bool IsFile(const std::wstring& strPath)
 {
     const DWORD dwAttributes = GetFileAttributesW(strPath.c_str());

@@ -21,6 +21,9 @@ std::wstring AbsolutePath(const std::string& strPath);
 /// @return the path of a name in a folder, with one backslash between them.
 std::wstring PathIn(const std::wstring& strFolder, const std::wstring& strName);
 
+/// @return what stands behind the last backslash of a path; the whole text without one.
+std::wstring NameInFolder(const std::wstring& strPath);
+
 /// @return whether a file (not a folder) is there.
 bool IsFile(const std::wstring& strPath);
 

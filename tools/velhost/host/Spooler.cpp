@@ -1,5 +1,6 @@
 #include "tools/velhost/host/Spooler.h"
 
+#include "settings/DriverDevmode.h"
 #include "tools/velhost/report/CommandError.h"
 #include "tools/velhost/report/Encoding.h"
 
@@ -32,6 +33,30 @@ std::vector<BYTE> AskTwice(const std::string& strWhat, const std::function<BOOL(
 std::wstring OrEmpty(const wchar_t* pszText)
 {
     return pszText == nullptr ? std::wstring() : std::wstring(pszText);
+}
+
+/// What the spooler knows of a printer, a PRINTER_INFO_2W with what it points to.
+std::vector<BYTE> PrinterInfo2(const PrinterHandle& printer)
+{
+    return AskTwice("can't describe the printer", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
+        return GetPrinterW(printer.Get(), 2, pby, cb, pcbNeeded);
+    });
+}
+
+/// The drivers for 64-bit Windows.
+std::vector<DriverDescription> InstalledDrivers()
+{
+    DWORD dwCount = 0;
+    const std::vector<BYTE> buffer = AskTwice("can't list the drivers", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
+        return EnumPrinterDriversW(nullptr, nullptr, 3, pby, cb, pcbNeeded, &dwCount);
+    });
+    const auto* const pInfos = reinterpret_cast<const DRIVER_INFO_3W*>(buffer.data());
+    std::vector<DriverDescription> drivers;
+    std::transform(pInfos, pInfos + dwCount, std::back_inserter(drivers), [](const DRIVER_INFO_3W& info) {
+        return DriverDescription{OrEmpty(info.pName), OrEmpty(info.pDriverPath), OrEmpty(info.pConfigFile),
+                                 OrEmpty(info.pDataFile)};
+    });
+    return drivers;
 }
 
 } // namespace
@@ -81,30 +106,76 @@ bool IsPrinterInstalled(const std::wstring& strName)
 PrinterDescription DescribePrinter(const std::wstring& strName)
 {
     const PrinterHandle printer = OpenInstalledPrinter(strName);
-    const std::vector<BYTE> buffer = AskTwice("can't describe the printer", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
-        return GetPrinterW(printer.Get(), 2, pby, cb, pcbNeeded);
-    });
+    const std::vector<BYTE> buffer = PrinterInfo2(printer);
     const auto& info = *reinterpret_cast<const PRINTER_INFO_2W*>(buffer.data());
     return {OrEmpty(info.pPrinterName), OrEmpty(info.pPortName), OrEmpty(info.pDriverName), OrEmpty(info.pLocation),
             OrEmpty(info.pComment)};
 }
 
+std::vector<BYTE> PrinterDefaultRecord(const PrinterHandle& printer)
+{
+    const std::vector<BYTE> buffer = PrinterInfo2(printer);
+    const DEVMODEW* const pRecord = reinterpret_cast<const PRINTER_INFO_2W*>(buffer.data())->pDevMode;
+    if (pRecord == nullptr)
+    {
+        return {};
+    }
+    const auto* const pbyRecord = reinterpret_cast<const BYTE*>(pRecord);
+    return std::vector<BYTE>(pbyRecord, pbyRecord + DeclaredSize(*pRecord));
+}
+
+std::vector<BYTE> EmptyRecord(LONG lSize)
+{
+    std::vector<BYTE> record(static_cast<size_t>(lSize));
+    auto& header = *reinterpret_cast<DEVMODEW*>(record.data());
+    header.dmSize = kDevmodeSize;
+    header.dmDriverExtra = static_cast<WORD>(lSize - kDevmodeSize);
+    return record;
+}
+
+std::vector<BYTE> UserDefaultRecord(const std::wstring& strPrinter)
+{
+    const PrinterHandle printer = OpenInstalledPrinter(strPrinter);
+    std::wstring strName = strPrinter;
+    const LONG lSize = DocumentPropertiesW(nullptr, printer.Get(), strName.data(), nullptr, nullptr, 0);
+    if (lSize < static_cast<LONG>(sizeof(DEVMODEW)))
+    {
+        throw CommandError("the spooler tells no record size: " + std::to_string(lSize));
+    }
+    std::vector<BYTE> record = EmptyRecord(lSize);
+    const LONG lReturn = DocumentPropertiesW(nullptr, printer.Get(), strName.data(),
+                                             reinterpret_cast<DEVMODEW*>(record.data()), nullptr, DM_OUT_BUFFER);
+    if (lReturn < 0)
+    {
+        throw CommandError("the driver refuses the user's default record: " + std::to_string(lReturn));
+    }
+    return record;
+}
+
 std::optional<DriverDescription> FindDriver(const std::wstring& strName)
 {
-    DWORD dwCount = 0;
-    const std::vector<BYTE> buffer = AskTwice("can't list the drivers", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
-        return EnumPrinterDriversW(nullptr, nullptr, 3, pby, cb, pcbNeeded, &dwCount);
+    const std::vector<DriverDescription> drivers = InstalledDrivers();
+    const auto found = std::find_if(drivers.begin(), drivers.end(), [&strName](const DriverDescription& driver) {
+        return IsSameName(driver.strName, strName);
     });
-    const auto* const pInfos = reinterpret_cast<const DRIVER_INFO_3W*>(buffer.data());
-    const auto* const pFound = std::find_if(pInfos, pInfos + dwCount, [&strName](const DRIVER_INFO_3W& info) {
-        return IsSameName(OrEmpty(info.pName), strName);
+    return found == drivers.end() ? std::nullopt : std::make_optional(*found);
+}
+
+bool IsDriverFile(const std::wstring& strFile)
+{
+    const std::vector<DriverDescription> drivers = InstalledDrivers();
+    return std::any_of(drivers.begin(), drivers.end(), [&strFile](const DriverDescription& driver) {
+        return IsSameName(driver.strDriverFile, strFile) || IsSameName(driver.strConfigFile, strFile) ||
+               IsSameName(driver.strDataFile, strFile);
     });
-    if (pFound == pInfos + dwCount)
-    {
-        return std::nullopt;
-    }
-    return DriverDescription{OrEmpty(pFound->pName), OrEmpty(pFound->pDriverPath), OrEmpty(pFound->pConfigFile),
-                             OrEmpty(pFound->pDataFile)};
+}
+
+std::wstring SpoolerDriverFolder()
+{
+    const std::vector<BYTE> buffer = AskTwice("can't ask for the drivers' folder", [](BYTE* pby, DWORD cb, DWORD* pcb) {
+        return GetPrinterDriverDirectoryW(nullptr, nullptr, 1, pby, cb, pcb);
+    });
+    return std::wstring(reinterpret_cast<const wchar_t*>(buffer.data())) + L"\\3";
 }
 
 std::vector<std::wstring> PortNames()

@@ -60,8 +60,27 @@ bool IsPrinterInstalled(const std::wstring& strName);
 /// Throws CommandError for an unknown name.
 PrinterDescription DescribePrinter(const std::wstring& strName);
 
+/// The default record that the spooler keeps for a printer, for all its users; empty when it keeps none. Throws
+/// CommandError on failure.
+std::vector<BYTE> PrinterDefaultRecord(const PrinterHandle& printer);
+
+/// A record of a size, all 0 but for that size in its header: the module goes by what the header says.
+/// @param lSize bytes, at least those of a DEVMODEW.
+std::vector<BYTE> EmptyRecord(LONG lSize);
+
+/// The user's default record of a printer, as an application gets it from Windows before it prints. Throws CommandError
+/// for an unknown printer, and when the driver refuses to tell the size or to fill the record.
+std::vector<BYTE> UserDefaultRecord(const std::wstring& strPrinter);
+
 /// @return the driver of that name for 64-bit Windows, or nothing.
 std::optional<DriverDescription> FindDriver(const std::wstring& strName);
+
+/// @return whether any driver for 64-bit Windows has this file, by its full path, as one of its three.
+bool IsDriverFile(const std::wstring& strFile);
+
+/// The folder in which the spooler keeps the files of 64-bit drivers of its version 3, without a separator at its end.
+/// Throws CommandError on failure.
+std::wstring SpoolerDriverFolder();
 
 /// @return names of the local ports.
 std::vector<std::wstring> PortNames();

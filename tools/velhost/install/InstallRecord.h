@@ -18,7 +18,7 @@ inline constexpr wchar_t kRecordKey[] = L"Software\\Vel-soft\\VelHost";
 struct InstallRecord
 {
     std::vector<std::wstring> printers;
-    std::vector<std::wstring> driverFiles;   ///< the module in the spooler's folder
+    std::vector<std::wstring> driverFiles;   ///< the module and its rendering half, in the spooler's folder
     std::vector<std::wstring> files;         ///< the copied Config.ini, and the log configuration
     std::vector<std::wstring> dataFolders;   ///< made for the client's data: removed with all that is in them
     std::vector<std::wstring> parentFolders; ///< made on the way, outer ones first: removed when they are empty

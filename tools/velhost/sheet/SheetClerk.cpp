@@ -130,6 +130,20 @@ void CALLBACK SheetClerk::OnTimer(HWND, UINT, UINT_PTR, DWORD)
     }
 }
 
+template <typename Part>
+void SheetClerk::Try(Part part)
+{
+    try
+    {
+        part();
+    }
+    catch (const CommandError& error)
+    {
+        // No exception may pass through Windows' message loop.
+        m_strError = error.what();
+    }
+}
+
 void SheetClerk::Step()
 {
     const HWND hSheet = FindSheetOfThread(GetCurrentThreadId());
@@ -137,9 +151,16 @@ void SheetClerk::Step()
     {
         return;
     }
+    if (m_bTurned && m_uiPage == 0 && !m_orders.choices.IsEmpty())
+    {
+        // The picture waits for the next step, when what the choices changed is painted.
+        const SheetChoices choices = std::exchange(m_orders.choices, SheetChoices());
+        Try([&] { MakeChoices(reinterpret_cast<HWND>(SendMessageW(hSheet, PSM_GETCURRENTPAGEHWND, 0, 0)), choices); });
+        return;
+    }
     if (m_bTurned)
     {
-        KeepPicture(hSheet);
+        Try([&] { KeepPicture(hSheet); });
         ++m_uiPage;
         m_bTurned = false;
     }
@@ -150,7 +171,7 @@ void SheetClerk::Step()
         return;
     }
     m_bPressed = true;
-    PostMessageW(hSheet, PSM_PRESSBUTTON, m_orders.wButton, 0);
+    PostMessageW(hSheet, PSM_PRESSBUTTON, m_strError.empty() ? m_orders.wButton : WPARAM{PSBTN_CANCEL}, 0);
 }
 
 void SheetClerk::KeepPicture(HWND hSheet)
@@ -160,16 +181,8 @@ void SheetClerk::KeepPicture(HWND hSheet)
         return;
     }
     const std::wstring strFile = PathIn(m_orders.strFolder, L"page" + std::to_wstring(m_pictures.size() + 1) + L".png");
-    try
-    {
-        WriteWindowPicture(hSheet, strFile);
-        m_pictures.push_back(strFile);
-    }
-    catch (const CommandError& error)
-    {
-        // No exception may pass through Windows' message loop.
-        m_strError = error.what();
-    }
+    WriteWindowPicture(hSheet, strFile);
+    m_pictures.push_back(strFile);
 }
 
 } // namespace VelHost

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/velhost/sheet/SheetChoices.h"
+
 #include <windows.h>
 
 #include <string>
@@ -8,16 +10,17 @@
 namespace VelHost
 {
 
-/// Closes the sheet that the current thread shows next, without a user: turns to each page in turn, keeps a picture of
-/// it if that is wanted, and presses a button. It works inside the sheet's own message loop, each step once everything
-/// is painted.
+/// Closes the sheet that the current thread shows next, without a user: turns to each page in turn, makes
+/// the choices on the first one, keeps a picture of each if that is wanted, and presses a button. It works inside the
+/// sheet's own message loop, each step once everything is painted.
 class SheetClerk
 {
 public:
     struct Orders
     {
         std::wstring strFolder; ///< existing folder for "page1.png", "page2.png" and so on; empty for no pictures
-        WPARAM wButton;         ///< PSBTN_OK or PSBTN_CANCEL
+        WPARAM wButton;         ///< PSBTN_OK or PSBTN_CANCEL; after an error it is always cancel
+        SheetChoices choices;   ///< for the document sheet's first page
     };
 
     /// Starts waiting for the sheet. One clerk a process at a time.
@@ -28,12 +31,15 @@ public:
 
     /// Pictures that were written, full paths.
     const std::vector<std::wstring>& Pictures() const noexcept { return m_pictures; }
-    /// What went wrong with a picture; empty when nothing did.
+    /// What went wrong with a choice or a picture; empty when nothing did.
     const std::string& Error() const noexcept { return m_strError; }
 
 private:
     static void CALLBACK OnTimer(HWND hWindow, UINT uiMessage, UINT_PTR uiTimer, DWORD dwTime);
     void Step();
+    /// Does a part of the work, and keeps what went wrong with it.
+    template <typename Part>
+    void Try(Part part);
     void KeepPicture(HWND hSheet);
 
     Orders m_orders;

@@ -1,0 +1,189 @@
+// velhost print: what the page is, read from the PostScript that comes out, and how the command fails.
+
+#include "settings/DriverDevmode.h"
+#include "state/DataFiles.h"
+#include "tests/common/InstallFixture.h"
+#include "tools/velhost/report/Encoding.h"
+
+#include <catch2/catch_test_macros.hpp>
+#include <catch2/matchers/catch_matchers_string.hpp>
+
+#include <cstdlib>
+#include <regex>
+
+using Catch::Matchers::ContainsSubstring;
+
+namespace
+{
+
+/// The user's stored record, as the sheet's OK stores it.
+DEVMODEW Stored(short nPaper, short nOrientation, short nColour, short nDuplex)
+{
+    DEVMODEW record = {};
+    record.dmSpecVersion = kSpecVersion;
+    record.dmDriverVersion = kDriverVersion;
+    record.dmSize = kDevmodeSize;
+    record.dmDriverExtra = kDriverExtra;
+    record.dmFields = 0x9903;
+    record.dmPaperSize = nPaper;
+    record.dmOrientation = nOrientation;
+    record.dmColor = nColour;
+    record.dmDuplex = nDuplex;
+    record.dmCopies = 1;
+    return record;
+}
+
+/// All that a pattern's first group matches.
+std::vector<std::string> Found(const std::string& strText, const char* pszPattern)
+{
+    const std::regex pattern(pszPattern);
+    std::vector<std::string> found;
+    for (auto match = std::sregex_iterator(strText.begin(), strText.end(), pattern); match != std::sregex_iterator();
+         ++match)
+    {
+        found.push_back((*match)[1]);
+    }
+    return found;
+}
+
+/// @return whether a page has ink that is neither black nor white nor grey.
+bool HasColour(const std::string& strPage)
+{
+    for (const std::string& strInk : Found(strPage, "([0-9.]+ [0-9.]+ [0-9.]+) setrgbcolor"))
+    {
+        const std::string strRed = strInk.substr(0, strInk.find(' '));
+        if (strInk != strRed + " " + strRed + " " + strRed)
+        {
+            return true;
+        }
+    }
+    return false;
+}
+
+using Texts = std::vector<std::string>;
+
+/// What a stored record must make of the page.
+struct PageCase
+{
+    const char* pszName;
+    short nPaper, nOrientation, nColour, nDuplex;
+    const char* pszSize; ///< the paper in points, short side first
+    int iWidth, iHeight; ///< the same, as numbers
+    const char* pszOrientation;
+    const char* pszDuplex;
+};
+
+// Points are millimetres * 72 / 25.4, rounded: A4 210 x 297 mm are 595.3 x 841.9, A3 297 x 420 are 841.9 x 1190.6.
+const PageCase kPages[] = {
+    {"A4", DMPAPER_A4, 1, 1, 1, "595 842", 595, 842, "Portrait", "/Duplex false"},
+    {"A3, lying, colour, both sides", DMPAPER_A3, 2, 2, 2, "842 1191", 842, 1191, "Landscape",
+     "/Duplex true /Tumble false"},
+    {"Letter, short edge", DMPAPER_LETTER, 1, 1, 3, "612 792", 612, 792, "Portrait", "/Duplex true /Tumble true"},
+    // 16K, 184 x 260 mm, and large 16K, 210 x 285 mm, whose number is the driver's own.
+    {"16K", 93, 2, 1, 1, "522 737", 522, 737, "Landscape", "/Duplex false"},
+    {"large 16K", 257, 1, 2, 1, "595 808", 595, 808, "Portrait", "/Duplex false"},
+};
+
+/// Checks size and orientation of the one page of a job.
+void CheckPage(const std::string& strJob, const PageCase& page)
+{
+    CHECK(Found(strJob, "/PageSize \\[([0-9 ]+)\\]") == Texts{page.pszSize});
+    CHECK(Found(strJob, "%%Orientation: (\\w+)") == Texts{page.pszOrientation});
+    CHECK(Found(strJob, "<<(/Duplex [^>]*)>>") == Texts{page.pszDuplex});
+    CHECK(Found(strJob, "%%(EOF)") == Texts{"EOF"});
+    CHECK(Found(strJob, "%%Page: (\\d)") == Texts{"1"});
+    CHECK(HasColour(strJob) == (page.nColour == DMCOLOR_COLOR));
+    // The description's margin is 12 points. The platform's driver cuts each edge to whole dots and then to whole
+    // points.
+    int box[4] = {};
+    REQUIRE(std::sscanf(Found(strJob, "%%BoundingBox: ([0-9 ]+)").at(0).c_str(), "%d %d %d %d", &box[0], &box[1],
+                        &box[2], &box[3]) == 4);
+    CHECK(std::abs(box[0] - 12) + std::abs(box[1] - 12) == 0);
+    CHECK((page.iWidth - 12 - box[2] >= 0 && page.iWidth - 12 - box[2] <= 1));
+    CHECK((page.iHeight - 12 - box[3] >= 0 && page.iHeight - 12 - box[3] <= 1));
+}
+
+} // namespace
+
+TEST_CASE_METHOD(InstallFixture,
+                 "the test page has the paper, the orientation, the colour and the sides that are stored",
+                 "[velhost][print]")
+{
+    REQUIRE(Install().iExitCode == 0);
+    const std::string strPrinter = VelHost::ToUtf8(PrinterName());
+    const std::wstring strFile = folder.File(L"page.ps");
+
+    // Nothing stored: the module's own default, to the port.
+    REQUIRE(Run({"print", "--printer", strPrinter}).iExitCode == 0);
+    CheckPage(ReadFileBytes(PortFile()), kPages[0]);
+    for (const PageCase& page : kPages)
+    {
+        CAPTURE(page.pszName);
+        const DEVMODEW record = Stored(page.nPaper, page.nOrientation, page.nColour, page.nDuplex);
+        REQUIRE(VelUtility::SetDevDef(&record) == 0);
+        REQUIRE(Run({"print", "--printer", strPrinter, "--to", VelHost::ToUtf8(strFile)}).iExitCode == 0);
+        CheckPage(ReadFileBytes(strFile), page);
+    }
+}
+
+TEST_CASE_METHOD(InstallFixture,
+                 "the test page's grid is whole centimetres from the paper's edge, in a frame at the "
+                 "printable one",
+                 "[velhost][print]")
+{
+    REQUIRE(Install().iExitCode == 0);
+    REQUIRE(Run({"print", "--printer", VelHost::ToUtf8(PrinterName())}).iExitCode == 0);
+    const std::string strJob = ReadFileBytes(PortFile());
+    // 600 dots an inch, so 236.22 a centimetre; 12 points, 100 dots, are the margin on each side. A4 has 571 x 818
+    // printable points, 4758.3 x 6816.7 dots.
+    const Texts down = Found(strJob, "\n(\\d+) 0 moveto\n\\1 681[67] lineto");
+    REQUIRE(down.size() == 20);
+    CHECK(Texts(down.begin(), down.begin() + 5) == Texts{"136", "372", "609", "845", "1081"});
+    CHECK(down.back() == "4624");
+    const Texts across = Found(strJob, "\n0 (\\d+) moveto\n475[89] \\1 lineto");
+    REQUIRE(across.size() == 29);
+    CHECK(across.front() == "136");
+    CHECK(across.back() == "6750");
+    // Half a millimetre, 11.8 dots, is the frame's pen: its middle is 5.9 dots from the edge.
+    CHECK(Found(strJob, "\n(6 6) moveto\n4752 6 lineto").size() == 1);
+    CHECK(Found(strJob, "\n(4752 681[01]) moveto\n6 681[01] lineto").size() == 1);
+}
+
+TEST_CASE_METHOD(InstallFixture,
+                 "print says why it can't: no printer, no file, a port that asks, a record that lies, "
+                 "nothing that renders",
+                 "[velhost][print]")
+{
+    REQUIRE(Install().iExitCode == 0);
+    const std::string strPrinter = VelHost::ToUtf8(PrinterName());
+    const std::string strFile = VelHost::ToUtf8(folder.File(L"page.ps"));
+    const auto failure = [&](const std::vector<std::string>& arguments) {
+        const CommandEnd end = Run(arguments);
+        CHECK(end.iExitCode == 1);
+        return end.strError;
+    };
+    CHECK_THAT(failure({"print", "--printer", "no such", "--to", strFile}), ContainsSubstring("there is no printer"));
+    CHECK_THAT(failure({"print", "--printer", strPrinter, "--to", "C:\\no such\\page.ps"}),
+               ContainsSubstring("can't write C:\\no such\\page.ps"));
+    CHECK_THAT(failure({"print", "--printer", strPrinter, "--to", VelHost::ToUtf8(folder.Path())}),
+               ContainsSubstring("can't write "));
+    CHECK(ReadFileBytes(PortFile()).empty());
+
+    DEVMODEW record = Stored(DMPAPER_A4, 1, 1, 1);
+    record.dmSize = 1000;
+    REQUIRE(VelUtility::SetDevDef(&record) == 0);
+    CHECK_THAT(failure({"print", "--printer", strPrinter, "--to", strFile}), ContainsSubstring("declares 1000 and 12"));
+    record.dmSize = kDevmodeSize;
+    REQUIRE(VelUtility::SetDevDef(&record) == 0);
+
+    const std::wstring strPrinterKey = L"System\\CurrentControlSet\\Control\\Print\\Printers\\" + PrinterName();
+    registry.SetText(strPrinterKey, L"Port", L"FILE:");
+    CHECK_THAT(failure({"print", "--printer", strPrinter}), ContainsSubstring("name one with --to FILE"));
+
+    // The form that install gave once. No page may be begun: it would never end.
+    const std::wstring strDriverKey = L"System\\CurrentControlSet\\Control\\Print\\Environments\\Windows x64\\Drivers\\"
+                                      L"Version-3\\VelUI Printer Driver";
+    registry.SetText(strDriverKey, L"Driver", L"VelUI.dll");
+    registry.SetText(strDriverKey, L"Data File", L"VelUI.dll");
+    CHECK_THAT(failure({"print", "--printer", strPrinter, "--to", strFile}), ContainsSubstring("renders nothing"));
+}
