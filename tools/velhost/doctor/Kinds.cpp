@@ -1,5 +1,8 @@
 #include "tools/velhost/doctor/Kinds.h"
 
+#include "tools/velhost/doctor/CapsCheck.h"
+#include "tools/velhost/doctor/ConfigCheck.h"
+#include "tools/velhost/doctor/LogConfigCheck.h"
 #include "tools/velhost/doctor/RegistryCheck.h"
 
 namespace VelHost
@@ -11,8 +14,9 @@ const std::vector<FindingKind>& AllKinds()
         std::vector<FindingKind> kinds;
         for (const std::vector<FindingKind>* const pTable : {
                  &RegistryKinds(),
-                 // Config.ini: &ConfigKinds(),
-                 // LogConfig.conf: &LogConfigKinds(),
+                 &ConfigKinds(),
+                 &CapsKinds(),
+                 &LogConfigKinds(),
              })
         {
             kinds.insert(kinds.end(), pTable->begin(), pTable->end());
