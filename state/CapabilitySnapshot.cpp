@@ -267,7 +267,7 @@ DWORD SubCmpCaps_StrArray(const wchar_t* pszBaseKey, const wchar_t* pszFile, wch
         // Required: a name of exactly these two lengths fails the query, while a longer one passes, cut to the width
         // without a terminator. Which names pass decides which lists applications get of a snapshot that is in use;
         // that must not change with an update of the module.
-        if (dwLength == dwWidth - 1 || dwLength == dwWidth - 2)
+        if (IsRefusedLength(dwLength, dwWidth))
         {
             return kNoAnswer;
         }

@@ -15,6 +15,14 @@ namespace VelUtility
 inline constexpr size_t kNarrowNameUnits = 24;
 inline constexpr size_t kWideNameUnits = 64;
 
+/// Whether a name of this length makes the query of its whole list fail (see SubCmpCaps_StrArray).
+/// @param uiLength wide characters of the name, without a terminator.
+/// @param uiWidth  wide characters of its entry.
+constexpr bool IsRefusedLength(size_t uiLength, size_t uiWidth)
+{
+    return uiLength == uiWidth - 1 || uiLength == uiWidth - 2;
+}
+
 using NarrowName = wchar_t[kNarrowNameUnits];
 using WideName = wchar_t[kWideNameUnits];
 

@@ -15,7 +15,7 @@ import subprocess
 import sys
 
 PRODUCT = ("driver", "ui", "settings", "state", "support", "support/module", "support/runtime", "diag")
-WINGS = tuple("tools/velhost/" + wing for wing in ("commands", "install", "print", "sheet", "host", "report"))
+WINGS = tuple("tools/velhost/" + wing for wing in ("commands", "doctor", "install", "print", "sheet", "host", "report"))
 
 # What each folder may include from; itself always. The longest name that fits a file is its folder.
 LAYERS = {
@@ -29,6 +29,7 @@ LAYERS = {
     "diag": (),
     "tools/velhost": PRODUCT + WINGS,
     "tools/velhost/commands": PRODUCT + WINGS,
+    "tools/velhost/doctor": PRODUCT + tuple("tools/velhost/" + wing for wing in ("install", "host", "report")),
     "tools/velhost/install": PRODUCT + ("tools/velhost/host", "tools/velhost/report"),
     "tools/velhost/print": PRODUCT + ("tools/velhost/host", "tools/velhost/report"),
     "tools/velhost/sheet": PRODUCT + ("tools/velhost/host", "tools/velhost/report"),

@@ -32,11 +32,6 @@ constexpr DWORD kCustomFields =
     DM_ORIENTATION | DM_PAPERSIZE | DM_PAPERLENGTH | DM_PAPERWIDTH | DM_COPIES | DM_COLOR | DM_DUPLEX;
 static_assert(kCustomFields == 0x190F, "what a custom paper sets");
 
-/// The custom paper's name as the page knows it.
-/// Required: this text and not the string table's. A translated table would change what the list shows, and with it
-/// what a click on an orientation button does to a custom size.
-constexpr wchar_t kCustomPaper[] = L"自定义";
-
 /// Selects the first paper whose name begins so; the rest of the name and case don't matter to Windows.
 /// @return its index, or CB_ERR with the selection unchanged.
 LRESULT SelectPaper(HWND hDlg, const wchar_t* pszName)

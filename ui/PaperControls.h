@@ -10,6 +10,11 @@
 #include <windows.h>
 #include <commctrl.h>
 
+/// The custom paper's name as the page knows it.
+/// Required: this text and not the string table's. A translated table would change what the list shows, and with it
+/// what a click on an orientation button does to a custom size.
+inline constexpr wchar_t kCustomPaper[] = L"自定义";
+
 // The page's process-wide variables. They keep their values from one sheet to the next, and two sheets of one process
 // share them.
 

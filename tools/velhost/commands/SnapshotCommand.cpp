@@ -3,6 +3,8 @@
 #include "state/PsFolder.h"
 #include "state/StoreTypes.h"
 #include "tools/velhost/commands/Commands.h"
+#include "tools/velhost/doctor/CapsCheck.h"
+#include "tools/velhost/doctor/Kinds.h"
 #include "tools/velhost/host/Files.h"
 #include "tools/velhost/host/Snapshot.h"
 #include "tools/velhost/host/Spooler.h"
@@ -27,6 +29,7 @@ static_assert(std::holds_alternative<VelUtility::CapNumber>(std::rbegin(VelUtili
 struct SnapshotOptions
 {
     std::string strPrinter;
+    bool bFix = false;
     bool bJson = false;
 };
 
@@ -103,7 +106,48 @@ void WriteSnapshot(const VelUtility::PrinterInfo& stuInfo, const Snapshot& snaps
     }
 }
 
-void PrintSnapshot(const SnapshotOptions& options, const std::wstring& strPath)
+/// What the checks say of the snapshot, and what was mended in it.
+struct SnapshotReview
+{
+    std::vector<NameFix> fixes;
+    Findings findings{AllKinds()};
+};
+
+void AddReview(const SnapshotReview& review, Json& value)
+{
+    Json& fixes = value["fixed"] = Json::array();
+    for (const NameFix& fix : review.fixes)
+    {
+        fixes.push_back({{"key", ToUtf8(fix.strKey)}, {"old", ToUtf8(fix.strOld)}, {"new", ToUtf8(fix.strNew)}});
+    }
+    Json& findings = value["findings"] = Json::array();
+    for (const Finding& finding : review.findings.List())
+    {
+        findings.push_back({{"code", finding.pKind->pszCode},
+                            {"title", finding.pKind->pszTitle},
+                            {"where", ToUtf8(finding.strWhere)},
+                            {"detail", ToUtf8(finding.strDetail)},
+                            {"cure", finding.pKind->pszCure}});
+    }
+}
+
+std::string ReviewText(const SnapshotReview& review)
+{
+    std::string strText;
+    for (const NameFix& fix : review.fixes)
+    {
+        strText +=
+            "\nfixed: " + ToUtf8(fix.strKey) + " was \"" + ToUtf8(fix.strOld) + "\", is \"" + ToUtf8(fix.strNew) + "\"";
+    }
+    for (const Finding& finding : review.findings.List())
+    {
+        strText += std::string("\n") + finding.pKind->pszCode + ": " + finding.pKind->pszTitle + "\n    " +
+                   ToUtf8(finding.strWhere) + ": " + ToUtf8(finding.strDetail) + "\n    " + finding.pKind->pszCure;
+    }
+    return strText.empty() ? strText : strText + "\n";
+}
+
+void PrintSnapshot(const SnapshotOptions& options, const std::wstring& strPath, const SnapshotReview& review)
 {
     const wchar_t* const sections[] = {VelUtility::kPrinterSection, VelUtility::kCapsSection};
     Table table({{"section"}, {"key"}, {"value"}});
@@ -120,10 +164,11 @@ void PrintSnapshot(const SnapshotOptions& options, const std::wstring& strPath)
     }
     if (options.bJson)
     {
+        AddReview(review, value);
         PrintJson(value);
         return;
     }
-    Print(ToUtf8(strPath) + "\n\n" + table.Text());
+    Print(ToUtf8(strPath) + "\n\n" + table.Text() + ReviewText(review));
 }
 
 int RunSnapshot(const SnapshotOptions& options)
@@ -131,11 +176,17 @@ int RunSnapshot(const SnapshotOptions& options)
     const std::wstring strPrinter = FromUtf8(options.strPrinter);
     const PrinterDescription description = DescribePrinter(strPrinter);
     const std::wstring strPath = ConfigPath();
-    const Snapshot snapshot(SpoolerCaps(strPrinter));
+    Snapshot snapshot(SpoolerCaps(strPrinter));
+    SnapshotReview review;
+    if (options.bFix)
+    {
+        review.fixes = snapshot.FixNames();
+    }
+    CheckCaps(UnwrittenSnapshot(snapshot.Caps()), strPath, review.findings);
     const VelUtility::PrinterInfo stuInfo = {description.strName, description.strLocation, description.strComment};
     WriteSnapshot(stuInfo, snapshot, strPath);
-    PrintSnapshot(options, strPath);
-    return kExitGood;
+    PrintSnapshot(options, strPath, review);
+    return kExitGood; // what the printer does not tell is no failure of this program
 }
 
 } // namespace
@@ -144,12 +195,14 @@ void AddSnapshotCommand(CLI::App& program, int& iExitCode)
 {
     CLI::App* const pCommand = program.add_subcommand(
         "snapshot",
-        "Takes a printer's name, place and capabilities into the client's Config.ini, in TempDir, and prints\n"
-        "what was written.");
+        "Takes a printer's name, place and capabilities into the client's Config.ini, in TempDir, prints what was\n"
+        "written, and tells which of it the module will refuse to applications, or tell wrongly.");
     const auto pOptions = std::make_shared<SnapshotOptions>();
     pCommand->add_option("--printer", pOptions->strPrinter, "The installed printer to describe")
         ->type_name("NAME")
         ->required();
+    pCommand->add_flag("--fix", pOptions->bFix,
+                       "Shorten the names of the lengths that make the query of their list fail, and tell which");
     AddJsonFlag(*pCommand, pOptions->bJson);
     pCommand->callback([pOptions, &iExitCode] { iExitCode = RunSnapshot(*pOptions); });
 }

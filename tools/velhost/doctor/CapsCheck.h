@@ -1,0 +1,17 @@
+#pragma once
+/// What a snapshot says of the printer, held against what the module makes of it.
+
+#include "tools/velhost/doctor/Findings.h"
+#include "tools/velhost/doctor/SnapshotView.h"
+
+namespace VelHost
+{
+
+const std::vector<FindingKind>& CapsKinds();
+
+/// Looks at all keys of the capability table.
+/// @param strFile the snapshot's place, for the findings.
+/// @return whether there was nothing to find.
+bool CheckCaps(const SnapshotView& snapshot, const std::wstring& strFile, Findings& findings);
+
+} // namespace VelHost
