@@ -19,6 +19,7 @@ void AddCommands(CLI::App& program, int& iExitCode)
     AddDevmodeCommand(program, iExitCode);
     AddSheetCommand(program, iExitCode);
     AddLogCommand(program, iExitCode);
+    AddDoctorCommand(program, iExitCode);
 }
 
 CLI::Option* AddModuleOption(CLI::App& command, std::string& strModule)

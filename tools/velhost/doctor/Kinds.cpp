@@ -1,6 +1,9 @@
 #include "tools/velhost/doctor/Kinds.h"
 
+#include "tools/velhost/doctor/ClientCheck.h"
 #include "tools/velhost/doctor/RegistryCheck.h"
+#include "tools/velhost/doctor/SpoolerCheck.h"
+#include "tools/velhost/doctor/UserFilesCheck.h"
 
 namespace VelHost
 {
@@ -13,6 +16,9 @@ const std::vector<FindingKind>& AllKinds()
                  &RegistryKinds(),
                  // Config.ini: &ConfigKinds(),
                  // LogConfig.conf: &LogConfigKinds(),
+                 &ClientKinds(),
+                 &SpoolerKinds(),
+                 &UserFilesKinds(),
              })
         {
             kinds.insert(kinds.end(), pTable->begin(), pTable->end());

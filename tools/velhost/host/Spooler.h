@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace VelHost
@@ -60,8 +61,24 @@ bool IsPrinterInstalled(const std::wstring& strName);
 /// Throws CommandError for an unknown name.
 PrinterDescription DescribePrinter(const std::wstring& strName);
 
+/// @return all drivers for 64-bit Windows.
+std::vector<DriverDescription> ListDrivers();
+
 /// @return the driver of that name for 64-bit Windows, or nothing.
 std::optional<DriverDescription> FindDriver(const std::wstring& strName);
+
+/// @return names of the local printers.
+std::vector<std::wstring> PrinterNames();
+
+/// A printer's stored device mode record.
+enum class StoredRecord : DWORD
+{
+    OfPrinter = 2, ///< the levels of GetPrinterW
+    OfUser = 9,
+};
+
+/// @return the sizes that a stored record declares: dmSize and dmDriverExtra; nothing where there is no record.
+std::optional<std::pair<WORD, WORD>> StoredRecordSizes(const std::wstring& strPrinter, StoredRecord which);
 
 /// @return names of the local ports.
 std::vector<std::wstring> PortNames();
