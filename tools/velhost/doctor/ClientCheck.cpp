@@ -31,7 +31,8 @@ std::wstring PlaceOf(DWORD dwPid)
     }
 }
 
-void CheckProgram(const std::wstring& strClient, Findings& findings)
+/// @return whether there is a program to be started.
+bool CheckProgram(const std::wstring& strClient, Findings& findings)
 {
     DWORD dwType = 0;
     if (!IsFile(strClient))
@@ -45,12 +46,16 @@ void CheckProgram(const std::wstring& strClient, Findings& findings)
     else
     {
         findings.Good(kArea, L"the program is " + strClient);
+        return true;
     }
+    return false;
 }
 
-/// Looks for processes of the client's name, the one from the right place and others. One whose place can't be told is
+/// Looks for processes of the client's name, the one from the right place and others.
+/// @param bProgram whether there is a program that could run.
+/// One whose place can't be told is
 /// another user's, as on a machine that several people work on at once, and no fault.
-void CheckProcesses(const std::wstring& strClient, Findings& findings)
+void CheckProcesses(const std::wstring& strClient, bool bProgram, Findings& findings)
 {
     const std::wstring strName = Win32::PathFileNamePart(strClient);
     bool bElsewhere = false;
@@ -76,7 +81,7 @@ void CheckProcesses(const std::wstring& strClient, Findings& findings)
     {
         findings.Good(kArea, L"runs as process " + std::to_wstring(dwPid));
     }
-    else if (!bElsewhere)
+    else if (bProgram && !bElsewhere)
     {
         findings.Add("CLI03", strClient,
                      L"user " + Win32::GetUserNameString() + L"; " + std::to_wstring(iUntold) +
@@ -128,14 +133,14 @@ const std::vector<FindingKind>& ClientKinds()
 
 void CheckClient(const std::wstring& strClient, const std::vector<std::wstring>& modules, Findings& findings)
 {
-    CheckProgram(strClient, findings);
+    const bool bProgram = CheckProgram(strClient, findings);
     if (Win32::IsSystemUser())
     {
         findings.Good(kArea, L"the user is SYSTEM, for whom the launcher does nothing");
     }
     else
     {
-        CheckProcesses(strClient, findings);
+        CheckProcesses(strClient, bProgram, findings);
     }
     for (const std::wstring& strModule : modules)
     {

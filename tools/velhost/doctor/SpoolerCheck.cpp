@@ -1,6 +1,7 @@
 #include "tools/velhost/doctor/SpoolerCheck.h"
 
 #include "settings/DriverDevmode.h"
+#include "state/CapabilityTable.h"
 #include "support/ProcessUtilities.h"
 #include "tools/velhost/host/Files.h"
 #include "tools/velhost/host/HostModule.h"
@@ -78,13 +79,14 @@ std::optional<HostModule> LoadDriverFile(const std::wstring& strFile, const std:
     }
 }
 
-void CheckModuleFile(const std::wstring& strModule, const DriverDescription& driver, Findings& findings)
+/// @return whether a program that asks the driver's printers gets to the module at all.
+bool CheckModuleFile(const std::wstring& strModule, const DriverDescription& driver, Findings& findings)
 {
     const std::wstring& strFile = driver.strConfigFile;
     const std::optional<HostModule> module = LoadDriverFile(strFile, driver.strName, findings);
     if (!module)
     {
-        return;
+        return false;
     }
     std::wstring strMissing;
     for (const char* pszExport : kExports)
@@ -94,7 +96,7 @@ void CheckModuleFile(const std::wstring& strModule, const DriverDescription& dri
     if (!strMissing.empty())
     {
         findings.Add("SPL05", strFile, L"missing:" + strMissing);
-        return;
+        return false;
     }
     const std::wstring strVersion = FileVersion(strFile);
     const std::wstring strExpected = FileVersion(strModule);
@@ -103,9 +105,10 @@ void CheckModuleFile(const std::wstring& strModule, const DriverDescription& dri
         findings.Add("SPL03", strFile,
                      L"version " + (strVersion.empty() ? L"none" : strVersion) + L"; " + strModule + L" has " +
                          strExpected);
-        return;
+        return true;
     }
     findings.Good(kArea, strFile + L" has version " + strVersion + L" and all entry points");
+    return true;
 }
 
 /// Looks at what draws the pages: a driver and its data.
@@ -181,7 +184,9 @@ std::map<std::string, CapsLook> ReadAnswers(const std::string& strOutput)
         CapsLook look;
         look.dwCount = capability.at("refused").get<bool>() ? 0 : capability.at("answer").get<DWORD>();
         const auto entries = capability.find("entries");
-        look.bRefused = look.dwCount != 0 && entries != capability.end() && entries->empty();
+        // Of the snapshot's lists alone: the module counts pages on a sheet, and has no list of them.
+        const bool bSnapshot = VelUtility::FindCapRow(capability.at("code").get<WORD>()) != nullptr;
+        look.bRefused = bSnapshot && look.dwCount != 0 && entries != capability.end() && entries->empty();
         answers[capability.at("name").get<std::string>()] = look;
     }
     return answers;
@@ -230,7 +235,8 @@ void CheckCapabilities(const std::wstring& strPrinter, Findings& findings)
     catch (const Json::exception&)
     {
         findings.Add("SPL10", strWhere,
-                     L"it ended with code " + std::to_wstring(run.dwExitCode) + L", without an answer");
+                     L"it ended with code " + std::to_wstring(run.dwExitCode) + L", without an answer: " +
+                         FromUtf8(run.strErrors));
     }
 }
 
@@ -328,12 +334,13 @@ void CheckSpooler(const SpoolerQuestion& question, Findings& findings)
     {
         findings.Add("SPL01", Win32::PathFileNamePart(question.strModule), L"");
     }
+    bool bAsk = question.bAsk;
     for (const DriverDescription& driver : drivers)
     {
-        CheckModuleFile(question.strModule, driver, findings);
+        bAsk = CheckModuleFile(question.strModule, driver, findings) && bAsk;
         CheckRenderingHalf(driver, findings);
     }
-    CheckPrinters(question, drivers, findings);
+    CheckPrinters({question.strModule, question.strPrinter, bAsk}, drivers, findings);
 }
 
 } // namespace VelHost

@@ -64,7 +64,7 @@ const std::vector<UserFile>& UserFiles()
          Place::Message,
          kMegabyte,
          L"Message",
-         {{L"MessageId", 0, kMost32}, {L"Interval", 1, kMost32}, {L"SaveDays", -1, MAXLONG}}},
+         {{L"MessageId", 0, kMost32}, {L"Interval", 1, kMost32}, {L"SaveDays", -1 - LONGLONG{MAXLONG}, MAXLONG}}},
         {L"Message.dat", Place::Message, 64 * kMegabyte, nullptr, {}},
         {L"serverconfig.ini", Place::Machine, kMegabyte, L"Server", {}},
     };

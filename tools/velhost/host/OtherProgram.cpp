@@ -3,16 +3,17 @@
 #include "tools/velhost/report/CommandError.h"
 #include "tools/velhost/report/Encoding.h"
 
+#include <utility>
+
 namespace VelHost
 {
 namespace
 {
 
-/// A handle that is closed at the end of the object's life.
+/// Closes a handle at the end of the object's life.
 class OwnedHandle
 {
 public:
-    OwnedHandle() = default;
     explicit OwnedHandle(HANDLE handle) noexcept : m_handle(handle) {}
     ~OwnedHandle() { Close(); }
     OwnedHandle(const OwnedHandle&) = delete;
@@ -27,45 +28,64 @@ public:
         }
     }
     HANDLE Get() const noexcept { return m_handle; }
-    HANDLE* Address() noexcept { return &m_handle; }
 
 private:
-    HANDLE m_handle = nullptr;
+    HANDLE m_handle;
 };
 
-/// Takes what waits in a pipe, without waiting for more.
-void Drain(HANDLE hPipe, std::string& strOutput)
+/// A pipe from another program to this one.
+class OutputPipe
 {
-    DWORD cbWaiting = 0;
-    while (PeekNamedPipe(hPipe, nullptr, 0, nullptr, &cbWaiting, nullptr) && cbWaiting != 0)
+public:
+    OutputPipe() : OutputPipe(Make()) {}
+    HANDLE WriteEnd() const noexcept { return m_write.Get(); }
+    /// Leaves the end that is written to to the other program alone.
+    void CloseWriteEnd() noexcept { m_write.Close(); }
+    /// Takes what waits, without waiting for more.
+    void Drain(std::string& strOutput) const
     {
-        std::string strPart(cbWaiting, '\0');
-        DWORD cbRead = 0;
-        if (!ReadFile(hPipe, strPart.data(), cbWaiting, &cbRead, nullptr))
+        DWORD cbWaiting = 0;
+        while (PeekNamedPipe(m_read.Get(), nullptr, 0, nullptr, &cbWaiting, nullptr) && cbWaiting != 0)
         {
-            return;
+            std::string strPart(cbWaiting, '\0');
+            DWORD cbRead = 0;
+            if (!ReadFile(m_read.Get(), strPart.data(), cbWaiting, &cbRead, nullptr))
+            {
+                return;
+            }
+            strOutput.append(strPart, 0, cbRead);
         }
-        strOutput.append(strPart, 0, cbRead);
     }
-}
+
+private:
+    explicit OutputPipe(std::pair<HANDLE, HANDLE> ends) : m_read(ends.first), m_write(ends.second) {}
+    static std::pair<HANDLE, HANDLE> Make()
+    {
+        SECURITY_ATTRIBUTES inherited = {sizeof(inherited), nullptr, TRUE};
+        std::pair<HANDLE, HANDLE> ends;
+        if (!CreatePipe(&ends.first, &ends.second, &inherited, 0))
+        {
+            ThrowCommandError("can't make a pipe");
+        }
+        SetHandleInformation(ends.first, HANDLE_FLAG_INHERIT, 0);
+        return ends;
+    }
+
+    OwnedHandle m_read;
+    OwnedHandle m_write;
+};
 
 } // namespace
 
 ProgramRun RunProgram(const std::wstring& strCommandLine, DWORD dwMilliseconds)
 {
-    SECURITY_ATTRIBUTES inherited = {sizeof(inherited), nullptr, TRUE};
-    OwnedHandle read;
-    OwnedHandle write;
-    if (!CreatePipe(read.Address(), write.Address(), &inherited, 0) ||
-        !SetHandleInformation(read.Get(), HANDLE_FLAG_INHERIT, 0))
-    {
-        ThrowCommandError("can't make a pipe");
-    }
+    OutputPipe output;
+    OutputPipe errors;
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
     startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdOutput = write.Get();
-    startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
+    startup.hStdOutput = output.WriteEnd();
+    startup.hStdError = errors.WriteEnd();
     std::wstring strWritable = strCommandLine;
     PROCESS_INFORMATION started = {};
     if (!CreateProcessW(nullptr, strWritable.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr, nullptr,
@@ -75,17 +95,19 @@ ProgramRun RunProgram(const std::wstring& strCommandLine, DWORD dwMilliseconds)
     }
     const OwnedHandle process(started.hProcess);
     const OwnedHandle thread(started.hThread);
-    write.Close();
+    output.CloseWriteEnd();
+    errors.CloseWriteEnd();
 
-    // The pipe is emptied while the program runs, or it would wait for room in it. Its end is not waited for: a
-    // background process that the program brings up keeps the pipe open.
+    // The pipes are emptied while the program runs, or it would wait for room in them. Their ends are not waited for: a
+    // background process that the program brings up keeps them open.
     constexpr DWORD kLook = 20; // milliseconds
     ProgramRun run;
     const ULONGLONG ullStart = GetTickCount64();
     do
     {
         run.bEnded = WaitForSingleObject(process.Get(), kLook) == WAIT_OBJECT_0;
-        Drain(read.Get(), run.strOutput);
+        output.Drain(run.strOutput);
+        errors.Drain(run.strErrors);
     } while (!run.bEnded && GetTickCount64() - ullStart < dwMilliseconds);
     if (run.bEnded)
     {

@@ -14,6 +14,7 @@ struct ProgramRun
     bool bEnded = false;   ///< by itself, in time
     DWORD dwExitCode = 0;  ///< of one that ended
     std::string strOutput; ///< what it had written to its standard output
+    std::string strErrors; ///< and to its standard error
 };
 
 /// Runs a program without a window, with nothing to read, and waits for its end; one that takes too long is ended.
