@@ -33,7 +33,8 @@ struct DoctorClientFixture : ClientFixture
     }
 
     std::wstring drivers = folder.File(L"drivers");
-    DoctorClient resident{*this};
+    const std::wstring name = L"VelDoctor" + std::to_wstring(GetCurrentProcessId()) + L".exe";
+    DoctorClient resident{*this, name.c_str()};
 };
 
 } // namespace
@@ -58,8 +59,8 @@ TEST_CASE_METHOD(DoctorClientFixture, "the doctor tells of a client that does no
 
 TEST_CASE_METHOD(DoctorClientFixture, "the doctor tells of a client that runs from another folder", "[velhost][doctor]")
 {
-    const std::wstring strOther = folder.File(L"velprintd.exe");
-    PlaceStandIn(strOther);
+    const std::wstring strOther = folder.File(name);
+    PlaceStayingStandIn(strOther);
     ChildProcess other(strOther, {});
     REQUIRE_FALSE(WaitForRun(strOther).empty());
     CHECK(Look() == Codes{"CLI04"});

@@ -104,6 +104,22 @@ TEST_CASE("docs/doctor.md has a section for each finding of the doctor, and no o
     }
 }
 
+TEST_CASE("docs/troubleshooting.md names only findings that the doctor knows", "[velhost][doctor]")
+{
+    const std::string strPage = ReadFileBytes(BesideTests(L"troubleshooting.md"));
+    const std::regex code("\\b[A-Z]{3}[0-9]{2}\\b");
+    int iNamed = 0;
+    for (std::sregex_iterator it(strPage.begin(), strPage.end(), code); it != std::sregex_iterator(); ++it)
+    {
+        const std::string strCode = it->str();
+        CAPTURE(strCode);
+        CHECK(std::any_of(AllKinds().begin(), AllKinds().end(),
+                          [&strCode](const FindingKind& kind) { return strCode == kind.pszCode; }));
+        ++iNamed;
+    }
+    CHECK(iNamed > 20);
+}
+
 TEST_CASE("each finding's code stands in one table, once", "[velhost][doctor]")
 {
     std::vector<std::string> codes;
@@ -130,11 +146,11 @@ TEST_CASE("a finding of no kind is a fault of the program", "[velhost][doctor]")
 
 TEST_CASE_METHOD(ClientFixture,
                  "velhost doctor ends with 0 when all is good, 1 with findings, 2 when it could not look",
-                 "[velhost][doctor][program]")
+                 "[velhost][doctor][program][serial]")
 {
     WriteFileBytes(ConfigFile(), ReadFileBytes(BesideTests(L"sample\\Config.ini")));
     const DoctorPrinter printer(*this);
-    DoctorClient resident(*this);
+    DoctorClient resident(*this, L"VelprintD.exe");
     resident.Start();
 
     const ProgramRun good = Doctor(L"--json --printer " + printer.Name());

@@ -36,6 +36,12 @@ void KeepOnly(const wchar_t* pszKey, const std::wstring& strName)
 
 } // namespace
 
+void PlaceStayingStandIn(const std::wstring& strPath)
+{
+    PlaceStandIn(strPath);
+    WriteFileBytes(strPath + L".stay", "");
+}
+
 void WriteSparseFile(const std::wstring& strPath, LONGLONG llBytes)
 {
     const VelHost::FileHandle file(strPath, GENERIC_WRITE, 0, CREATE_ALWAYS);
@@ -91,14 +97,14 @@ std::wstring DoctorPrinter::PrinterKey() const
     return std::wstring(kPrintersKey) + L"\\" + Name();
 }
 
-DoctorClient::DoctorClient(ClientFixture& client)
+DoctorClient::DoctorClient(ClientFixture& client, const wchar_t* pszName)
 {
     const std::wstring strPrograms = client.folder.File(L"Program Files");
     const std::wstring strFolder = strPrograms + L"\\Vel-soft\\Client";
     MakeFolders(strFolder);
     client.registry.SetText(L"Software\\Microsoft\\Windows\\CurrentVersion", L"ProgramFilesDir", strPrograms);
-    m_strProgram = strFolder + L"\\VelprintD.exe";
-    PlaceStandIn(m_strProgram);
+    m_strProgram = strFolder + L"\\" + pszName;
+    PlaceStayingStandIn(m_strProgram);
 }
 
 DoctorClient::~DoctorClient()

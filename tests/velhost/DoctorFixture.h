@@ -20,6 +20,9 @@ inline std::vector<std::string> CodesOf(const std::function<void(VelHost::Findin
     return findings.Codes();
 }
 
+/// Puts the stand-in somewhere, so that it goes on until it is ended.
+void PlaceStayingStandIn(const std::wstring& strPath);
+
 /// Makes a file of any length, which takes no room on the disk.
 void WriteSparseFile(const std::wstring& strPath, LONGLONG llBytes);
 
@@ -64,7 +67,9 @@ private:
 class DoctorClient
 {
 public:
-    explicit DoctorClient(ClientFixture& client);
+    /// @param pszName the program's name. One of the test's own keeps the clients of other tests, which may run at the
+    ///                same time, out of its sight; the launcher's own name needs a test that runs by itself.
+    DoctorClient(ClientFixture& client, const wchar_t* pszName);
     ~DoctorClient();
     DoctorClient(const DoctorClient&) = delete;
     DoctorClient& operator=(const DoctorClient&) = delete;

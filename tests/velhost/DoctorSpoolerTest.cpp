@@ -4,6 +4,7 @@
 #include "tests/velhost/DoctorFixture.h"
 #include "tools/velhost/doctor/SpoolerCheck.h"
 #include "tools/velhost/host/OtherProgram.h"
+#include "tools/velhost/report/Encoding.h"
 
 #include <catch2/catch_test_macros.hpp>
 
@@ -185,16 +186,18 @@ TEST_CASE_METHOD(DoctorSpoolerFixture, "the doctor tells of a printer whose modu
     WriteFileBytes(folder.File(L"LogConfig.conf"), "rootCategory=ERROR\n"
                                                    "category.Another=DEBUG, file\n"
                                                    "appender.file=FileAppender\n"
-                                                   "appender.file.fileName=another.log\n"
-                                                   "appender.file.layout=PatternLayout\n");
+                                                   "appender.file.fileName=" +
+                                                       ToUtf8(folder.File(L"another.log")) +
+                                                       "\n"
+                                                       "appender.file.layout=PatternLayout\n");
     CHECK(Look(true) == Codes{"SPL10"});
 }
 
 TEST_CASE("a program that takes too long is ended, and what it printed is kept", "[velhost][program]")
 {
     const TempFolder folder;
-    const std::wstring strProgram = folder.File(L"VelprintD.exe");
-    PlaceStandIn(strProgram);
+    const std::wstring strProgram = folder.File(L"slow.exe");
+    PlaceStayingStandIn(strProgram);
     const ProgramRun run = RunProgram(L"\"" + strProgram + L"\"", 100);
     CHECK_FALSE(run.bEnded);
     for (int i = 0; i < 500 && !DeleteFileW(strProgram.c_str()); ++i)
