@@ -4,6 +4,7 @@
 #include <shellapi.h>
 
 #include "tools/velhost/commands/Commands.h"
+#include "tools/velhost/report/CommandError.h"
 #include "tools/velhost/report/Encoding.h"
 #include "tools/velhost/report/Output.h"
 
@@ -38,6 +39,25 @@ std::string OneLine(std::string strText)
         ch = ch == '\n' || ch == '\r' ? ' ' : ch;
     }
     return strText;
+}
+
+/// Takes another key for HKEY_LOCAL_MACHINE where the environment names one below HKEY_CURRENT_USER: so a test shows
+/// this program an installation of its own, and the programs that it starts.
+void TakeRegistryView()
+{
+    wchar_t szKey[MAX_PATH] = {};
+    const DWORD cchKey = GetEnvironmentVariableW(L"VELHOST_MACHINE_KEY", szKey, MAX_PATH);
+    HKEY hKey = nullptr;
+    if (cchKey == 0 || cchKey >= MAX_PATH)
+    {
+        return;
+    }
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, szKey, 0, KEY_ALL_ACCESS, &hKey) != ERROR_SUCCESS)
+    {
+        throw VelHost::CommandError("VELHOST_MACHINE_KEY names no key below HKEY_CURRENT_USER");
+    }
+    RegOverridePredefKey(HKEY_LOCAL_MACHINE, hKey);
+    RegCloseKey(hKey);
 }
 
 int Run(std::vector<std::string> arguments)
@@ -82,6 +102,7 @@ int main()
     VelHost::PrepareOutput();
     try
     {
+        TakeRegistryView();
         return Run(CommandLineUtf8());
     }
     catch (const std::exception& error)

@@ -20,6 +20,7 @@ void AddCommands(CLI::App& program, int& iExitCode)
     AddSheetCommand(program, iExitCode);
     AddPrintCommand(program, iExitCode);
     AddLogCommand(program, iExitCode);
+    AddDoctorCommand(program, iExitCode);
 }
 
 CLI::Option* AddModuleOption(CLI::App& command, std::string& strModule)

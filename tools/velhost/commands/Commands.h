@@ -18,6 +18,8 @@ enum ExitCode : int
     kExitGood = 0,
     kExitFailed = 1,
     kExitUsage = 2,
+    kExitFindings = 1,     ///< of doctor: something is wrong
+    kExitCouldNotLook = 2, ///< of doctor: nothing was found, but not all could be looked at
 };
 
 /// Adds all commands, in the order in which help lists them.
@@ -39,6 +41,7 @@ void AddDevmodeCommand(CLI::App& program, int& iExitCode);
 void AddSheetCommand(CLI::App& program, int& iExitCode);
 void AddPrintCommand(CLI::App& program, int& iExitCode);
 void AddLogCommand(CLI::App& program, int& iExitCode);
+void AddDoctorCommand(CLI::App& program, int& iExitCode);
 
 /// Adds what several commands have: --module, which ModulePath understands.
 CLI::Option* AddModuleOption(CLI::App& command, std::string& strModule);

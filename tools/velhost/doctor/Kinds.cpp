@@ -1,9 +1,12 @@
 #include "tools/velhost/doctor/Kinds.h"
 
 #include "tools/velhost/doctor/CapsCheck.h"
+#include "tools/velhost/doctor/ClientCheck.h"
 #include "tools/velhost/doctor/ConfigCheck.h"
 #include "tools/velhost/doctor/LogConfigCheck.h"
 #include "tools/velhost/doctor/RegistryCheck.h"
+#include "tools/velhost/doctor/SpoolerCheck.h"
+#include "tools/velhost/doctor/UserFilesCheck.h"
 
 namespace VelHost
 {
@@ -17,6 +20,9 @@ const std::vector<FindingKind>& AllKinds()
                  &ConfigKinds(),
                  &CapsKinds(),
                  &LogConfigKinds(),
+                 &ClientKinds(),
+                 &SpoolerKinds(),
+                 &UserFilesKinds(),
              })
         {
             kinds.insert(kinds.end(), pTable->begin(), pTable->end());

@@ -6,9 +6,11 @@
 namespace VelHost
 {
 
+/// The kinds of this check: REG01 and on.
 const std::vector<FindingKind>& RegistryKinds();
 
-/// Looks at the client's key in the registry. Reads only.
+/// Looks at the client's key below HKEY_LOCAL_MACHINE, at each of its four values and at the folder that it names.
+/// Reads only. Throws CommandError when the key is there and can't be read.
 void CheckRegistry(Findings& findings);
 
 } // namespace VelHost

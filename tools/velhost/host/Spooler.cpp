@@ -44,21 +44,6 @@ std::vector<BYTE> PrinterInfo2(const PrinterHandle& printer)
 }
 
 /// The drivers for 64-bit Windows.
-std::vector<DriverDescription> InstalledDrivers()
-{
-    DWORD dwCount = 0;
-    const std::vector<BYTE> buffer = AskTwice("can't list the drivers", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
-        return EnumPrinterDriversW(nullptr, nullptr, 3, pby, cb, pcbNeeded, &dwCount);
-    });
-    const auto* const pInfos = reinterpret_cast<const DRIVER_INFO_3W*>(buffer.data());
-    std::vector<DriverDescription> drivers;
-    std::transform(pInfos, pInfos + dwCount, std::back_inserter(drivers), [](const DRIVER_INFO_3W& info) {
-        return DriverDescription{OrEmpty(info.pName), OrEmpty(info.pDriverPath), OrEmpty(info.pConfigFile),
-                                 OrEmpty(info.pDataFile)};
-    });
-    return drivers;
-}
-
 } // namespace
 
 bool IsSameName(const std::wstring& strLeft, const std::wstring& strRight)
@@ -91,16 +76,24 @@ PrinterHandle OpenInstalledPrinter(const std::wstring& strName, DWORD dwAccess)
     return PrinterHandle(hPrinter);
 }
 
-bool IsPrinterInstalled(const std::wstring& strName)
+std::vector<std::wstring> PrinterNames()
 {
     DWORD dwCount = 0;
     const std::vector<BYTE> buffer = AskTwice("can't list the printers", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
         return EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, 4, pby, cb, pcbNeeded, &dwCount);
     });
     const auto* const pInfos = reinterpret_cast<const PRINTER_INFO_4W*>(buffer.data());
-    return std::any_of(pInfos, pInfos + dwCount, [&strName](const PRINTER_INFO_4W& info) {
-        return IsSameName(OrEmpty(info.pPrinterName), strName);
-    });
+    std::vector<std::wstring> names;
+    std::transform(pInfos, pInfos + dwCount, std::back_inserter(names),
+                   [](const PRINTER_INFO_4W& info) { return OrEmpty(info.pPrinterName); });
+    return names;
+}
+
+bool IsPrinterInstalled(const std::wstring& strName)
+{
+    const std::vector<std::wstring> names = PrinterNames();
+    return std::any_of(names.begin(), names.end(),
+                       [&strName](const std::wstring& strOther) { return IsSameName(strOther, strName); });
 }
 
 PrinterDescription DescribePrinter(const std::wstring& strName)
@@ -152,9 +145,24 @@ std::vector<BYTE> UserDefaultRecord(const std::wstring& strPrinter)
     return record;
 }
 
+std::vector<DriverDescription> ListDrivers()
+{
+    DWORD dwCount = 0;
+    const std::vector<BYTE> buffer = AskTwice("can't list the drivers", [&](BYTE* pby, DWORD cb, DWORD* pcbNeeded) {
+        return EnumPrinterDriversW(nullptr, nullptr, 3, pby, cb, pcbNeeded, &dwCount);
+    });
+    const auto* const pInfos = reinterpret_cast<const DRIVER_INFO_3W*>(buffer.data());
+    std::vector<DriverDescription> drivers;
+    std::transform(pInfos, pInfos + dwCount, std::back_inserter(drivers), [](const DRIVER_INFO_3W& info) {
+        return DriverDescription{OrEmpty(info.pName), OrEmpty(info.pDriverPath), OrEmpty(info.pConfigFile),
+                                 OrEmpty(info.pDataFile)};
+    });
+    return drivers;
+}
+
 std::optional<DriverDescription> FindDriver(const std::wstring& strName)
 {
-    const std::vector<DriverDescription> drivers = InstalledDrivers();
+    const std::vector<DriverDescription> drivers = ListDrivers();
     const auto found = std::find_if(drivers.begin(), drivers.end(), [&strName](const DriverDescription& driver) {
         return IsSameName(driver.strName, strName);
     });
@@ -163,7 +171,7 @@ std::optional<DriverDescription> FindDriver(const std::wstring& strName)
 
 bool IsDriverFile(const std::wstring& strFile)
 {
-    const std::vector<DriverDescription> drivers = InstalledDrivers();
+    const std::vector<DriverDescription> drivers = ListDrivers();
     return std::any_of(drivers.begin(), drivers.end(), [&strFile](const DriverDescription& driver) {
         return IsSameName(driver.strDriverFile, strFile) || IsSameName(driver.strConfigFile, strFile) ||
                IsSameName(driver.strDataFile, strFile);
@@ -176,6 +184,19 @@ std::wstring SpoolerDriverFolder()
         return GetPrinterDriverDirectoryW(nullptr, nullptr, 1, pby, cb, pcb);
     });
     return std::wstring(reinterpret_cast<const wchar_t*>(buffer.data())) + L"\\3";
+}
+
+std::optional<std::pair<WORD, WORD>> StoredRecordSizes(const std::wstring& strPrinter, StoredRecord which)
+{
+    const PrinterHandle printer = OpenInstalledPrinter(strPrinter);
+    const DWORD dwLevel = static_cast<DWORD>(which);
+    const std::vector<BYTE> buffer = AskTwice("can't read the printer's record", [&](BYTE* pby, DWORD cb, DWORD* pcb) {
+        return GetPrinterW(printer.Get(), dwLevel, pby, cb, pcb);
+    });
+    const DEVMODEW* const pRecord = which == StoredRecord::OfPrinter
+                                        ? reinterpret_cast<const PRINTER_INFO_2W*>(buffer.data())->pDevMode
+                                        : reinterpret_cast<const PRINTER_INFO_9W*>(buffer.data())->pDevMode;
+    return pRecord == nullptr ? std::nullopt : std::optional(std::pair(pRecord->dmSize, pRecord->dmDriverExtra));
 }
 
 std::vector<std::wstring> PortNames()

@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace VelHost
@@ -72,6 +73,9 @@ std::vector<BYTE> EmptyRecord(LONG lSize);
 /// for an unknown printer, and when the driver refuses to tell the size or to fill the record.
 std::vector<BYTE> UserDefaultRecord(const std::wstring& strPrinter);
 
+/// @return all drivers for 64-bit Windows.
+std::vector<DriverDescription> ListDrivers();
+
 /// @return the driver of that name for 64-bit Windows, or nothing.
 std::optional<DriverDescription> FindDriver(const std::wstring& strName);
 
@@ -81,6 +85,19 @@ bool IsDriverFile(const std::wstring& strFile);
 /// The folder in which the spooler keeps the files of 64-bit drivers of its version 3, without a separator at its end.
 /// Throws CommandError on failure.
 std::wstring SpoolerDriverFolder();
+
+/// @return names of the local printers.
+std::vector<std::wstring> PrinterNames();
+
+/// A printer's stored device mode record.
+enum class StoredRecord : DWORD
+{
+    OfPrinter = 2, ///< the levels of GetPrinterW
+    OfUser = 9,
+};
+
+/// @return the sizes that a stored record declares: dmSize and dmDriverExtra; nothing where there is no record.
+std::optional<std::pair<WORD, WORD>> StoredRecordSizes(const std::wstring& strPrinter, StoredRecord which);
 
 /// @return names of the local ports.
 std::vector<std::wstring> PortNames();
