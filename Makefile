@@ -22,11 +22,11 @@ build: configure ## build/release/VelUI.dll and velhost.exe
 run: build ## install the driver into a Wine spooler, ask for its capabilities, show its document sheet
 	@tools/run.sh
 
-test: configure ## build the module plain and with traps for undefined behaviour, run all tests on both, try the package
+test: configure ## build the module plain and with traps for undefined behaviour, try the package, run all tests on both
 	@echo "== building the module, the host program and the tests"
 	@cmake --build --preset release -j $(JOBS) --target veltests veltests_checked
-	@tools/test.sh
 	@tools/package-test.sh
+	@tools/test.sh
 
 package: configure ## build/VelUI-<version>-x64.zip: module, host program, documents, licences, selftest (docs/package.md)
 	@cmake --build --preset release -j $(JOBS) --target VelUI velhost veltests

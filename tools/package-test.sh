@@ -43,7 +43,7 @@ package=$here/$title
 cd "$here"
 unset VELUI_WINEPREFIX VELUI_BUILD
 hide() { for folder in "$@"; do [ ! -d "$folder" ] || mount -t tmpfs -o ro none "$folder"; done; }
-[ -z "$covered" ] || hide "$VELUI_SOURCE"
+[ -z "$covered" ] || { hide "$VELUI_SOURCE"; [ ! -e "$VELUI_SOURCE/CMakeLists.txt" ] || fail "the source tree is not hidden"; }
 # Runs commands in one Wine session; $1: a text for the shell, in which velhost is the package's.
 session() {
     VELUI_PACKAGE=$package tools/wine.sh --session bash -c "set -euo pipefail
@@ -117,11 +117,14 @@ else
         selftest C.UTF-8 '$package/selftest'; selftest zh_CN.UTF-8 '$package/selftest' '[cp936]'"
 fi
 
-say "the module linked anew, with the log4cpp of this package and with another build of it"
-mkdir relinked
-sh "$package/relink/log4cpp/build.sh" "$here/relinked/log4cpp other" -Os >build/log4cpp.log 2>&1 || { cat build/log4cpp.log; fail "log4cpp does not build"; }
-cp -r "$package/selftest" "$here/relinked/selftest of it"
-sh "$package/relink/relink.sh" "$here/relinked/log4cpp other/install/lib/liblog4cpp.a" "$here/relinked/selftest of it"
-! cmp -s "$package/VelUI.dll" "relinked/selftest of it/VelUI.dll" || fail "another log4cpp has made the same module"
-selftest C.UTF-8 "$here/relinked/selftest of it" ModuleFileTest LoadUnloadTest InfPartTest
-say "linked anew, and it passes the tests of the file and of loading"
+say "linked anew with another build of log4cpp, made from this package"
+again="$here/linked anew"
+cp -r "$package/selftest" "$again"
+sh "$package/relink/log4cpp/build.sh" "$here/another log4cpp" -Os >build/log4cpp.log 2>&1 ||
+    { cat build/log4cpp.log; fail "log4cpp does not build"; }
+for program in VelUI.dll storeworker.exe velhost.exe veltests.exe; do
+    sh "$package/relink/relink.sh" "$here/another log4cpp/install/lib/liblog4cpp.a" "$again" "$program"
+    ! cmp -s "$package/selftest/$program" "$again/$program" || fail "another log4cpp has made the same $program"
+done
+selftest C.UTF-8 "$again" ModuleFileTest LoadUnloadTest InfPartTest LogConfiguratorTest velhost/ProgramTest
+say "linked anew, and it passes the tests of the file, of loading and of the log"

@@ -16,7 +16,7 @@ import time
 import zipfile
 
 sys.dont_write_bytecode = True  # the tree stays as it is
-from package_parts.notices import Notices
+from package_parts.notices import Notices, archive
 from package_parts.pages import pages, texts
 from package_parts.relink import Relink
 
@@ -67,7 +67,8 @@ def stripped(program):
 
 def selftest(programs, sample):
     """The folder selftest/: what lies beside the test program, and the command."""
-    files = {"selftest/selftest.cmd": SELFTEST.replace("\n", "\r\n").encode(), **{"selftest/" + k: v for k, v in sample.items()}}
+    files = {"selftest/" + name: data for name, data in sample.items()}
+    files["selftest/selftest.cmd"] = SELFTEST.replace("\n", "\r\n").encode()
     for name in programs:
         files["selftest/" + name] = stripped(BUILD / name)
     # The module and its host are what is shipped, to the byte; texts are those that tests read.
@@ -106,10 +107,11 @@ def collect(title, stamp):
     files.update(sample)
     files.update(texts(ROOT))
     files.update(selftest(programs, sample))
-    files.update(Relink(ROOT, BUILD).folder(ROOT / ".deps/log4cpp_1.1.4.orig.tar.gz"))
     notices = Notices(ROOT, BUILD)
     notices.find([MODULE, "velhost.exe", *programs])
     files.update(notices.files())
+    with_log4cpp = notices.users["log4cpp"] - {MODULE}
+    files.update(Relink(ROOT, BUILD).folder(ROOT / archive("log4cpp").file, [MODULE, *sorted(with_log4cpp)]))
     files.update(pages(files))
     files["CONTENTS"] = contents(files, title, stamp, notices)
     sums = [f"{hashlib.sha256(data).hexdigest()}  {name}\n" for name, data in sorted(files.items())]

@@ -24,6 +24,11 @@ ARCHIVES = (
 BUILT = {"libvelui_catch2.a": "deps/catch2/", "CMakeFiles/velui_catch2.dir/": "deps/catch2/"}
 
 
+def archive(name):
+    """A library's row; None for one that was not built from an archive."""
+    return next((row for row in ARCHIVES if row.name == name), None)
+
+
 def run(*command, **options):
     return subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True, **options).stdout
 
@@ -56,6 +61,10 @@ def owners(paths):
     return found
 
 
+def unknown(path):
+    raise SystemExit(f"package: nobody's notice is known for {path}")
+
+
 class Notices:
     """The components of the programs, and the package's folder licenses/."""
 
@@ -71,10 +80,12 @@ class Notices:
         inside = str(path.relative_to(self.build)) if path.is_relative_to(self.build) else ""
         for start, folder in BUILT.items():
             inside = folder if inside.startswith(start) else inside
-        for archive in ARCHIVES:
-            if inside.startswith(archive.folder):
-                return archive.name
+        for row in ARCHIVES:
+            if inside.startswith(row.folder):
+                return row.name
         path = path.resolve()
+        if path.is_relative_to(self.build / "deps"):
+            unknown(path)
         return None if path.is_relative_to(self.root) else path
 
     def find(self, programs):
@@ -88,7 +99,7 @@ class Notices:
         packages = owners(sorted(str(path) for path in system))
         for path in system:
             if str(path) not in packages:
-                raise SystemExit(f"package: nobody's notice is known for {path}")
+                unknown(path)
         # Packages of one source share one notice.
         shared = {package: (DOC / package / "copyright").resolve().parent.name for package in set(packages.values())}
         name_of = {path: shared[packages[str(path)]] for path in system}
@@ -98,18 +109,16 @@ class Notices:
                 self.users[name_of.get(part, part)].add(program)
 
     def version(self, name):
-        for archive in ARCHIVES:
-            if archive.name == name:
-                return archive.version
-        return run("dpkg-query", "-W", "-f=${Version}", name)
+        row = archive(name)
+        return row.version if row else run("dpkg-query", "-W", "-f=${Version}", name)
 
     def files(self):
         """The folder licenses/: each component's notices, the licences that they refer to, and which is whose."""
         files, common = {}, set()
         for name in self.users:
-            archive = next((archive for archive in ARCHIVES if archive.name == name), None)
-            if archive:
-                files.update(self.from_archive(archive))
+            row = archive(name)
+            if row:
+                files.update(self.from_archive(row))
                 continue
             data = (DOC / name / "copyright").read_bytes()
             files[f"licenses/{name}/copyright"] = data
@@ -121,19 +130,20 @@ class Notices:
         files["licenses/README.txt"] = self.overview().encode("utf-8")
         return files
 
-    def from_archive(self, archive):
-        with tarfile.open(self.root / archive.file) as tar:
+    def from_archive(self, row):
+        with tarfile.open(self.root / row.file) as tar:
             for member in tar:
-                for title, path in archive.notices.items():
+                for title, path in row.notices.items():
                     if member.isfile() and member.name.endswith("/" + path):
-                        yield f"licenses/{archive.name}/{title}", tar.extractfile(member).read()
+                        yield f"licenses/{row.name}/{title}", tar.extractfile(member).read()
 
     def overview(self):
-        lines = ["Whose work goes with the programs of this package, found from the linker's maps and the compiler's lists of",
-                 "headers. The notices lie in a folder for each; licences that they refer to lie in common/.", ""]
+        lines = ["Whose work goes with the programs of this package, found from the linker's maps and the compiler's",
+                 "lists of headers. The notices lie in a folder for each; licences that they refer to lie in common/.", ""]
         for name in sorted(self.users, key=str.lower):
             how = "linked in" if name in self.linked else "headers"
             lines += [f"{name} {self.version(name)} ({how})", "    in " + ", ".join(sorted(self.users[name])), ""]
-        lines += ["log4cpp is under the GNU Lesser General Public License 2.1 (log4cpp/COPYING). ../relink/ has its source, the",
-                  "change that this build makes to it, and what is needed to link the module with another build of it.", ""]
+        lines += ["log4cpp is under the GNU Lesser General Public License 2.1 (log4cpp/COPYING). ../relink/ has its source,",
+                  "the change that this build makes to it, and what is needed to link each program that has it with another",
+                  "build of it.", ""]
         return "\n".join(lines)
