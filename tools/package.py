@@ -2,7 +2,7 @@
 """Makes the package, build/VelUI-<version>-x64.zip, from what the build has made. Started by make package.
 
 The same build of the same commit gives the same bytes: entries stand in the order of their names and have the commit's
-time (or that of SOURCE_DATE_EPOCH).
+time (or that of SOURCE_DATE_EPOCH; a copy of the tree without its repository gives the earliest time there is).
 """
 import argparse
 import hashlib
@@ -23,6 +23,7 @@ from package_parts.relink import Relink
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 BUILD = ROOT / "build" / "release"
 MODULE = "VelUI.dll"
+EARLIEST = 315532800  # 1980-01-01, the first day that such an archive can tell
 
 # The command file of the selftest. Its folder may have blanks in its name.
 SELFTEST = """@echo off
@@ -37,6 +38,12 @@ exit /b %errorlevel%
 
 def output(*command):
     return subprocess.run(command, cwd=ROOT, check=True, stdout=subprocess.PIPE, text=True).stdout.strip()
+
+
+def git(*arguments):
+    """What git says; an empty text where the tree is a copy without its repository."""
+    return subprocess.run(["git", *arguments], cwd=ROOT, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
+                          check=False).stdout.strip()
 
 
 def version():
@@ -79,8 +86,8 @@ def selftest(programs, sample):
 
 
 def commit():
-    changes = output("git", "status", "--porcelain", "--untracked-files=no")
-    return output("git", "rev-parse", "HEAD") + (" and changes that are not committed" if changes else "")
+    changes = git("status", "--porcelain", "--untracked-files=no")
+    return (git("rev-parse", "HEAD") or "not known") + (" and changes that are not committed" if changes else "")
 
 
 def contents(files, title, stamp, notices):
@@ -141,7 +148,7 @@ def main():
     if options.name:
         print(title)
         return
-    stamp = int(os.environ.get("SOURCE_DATE_EPOCH") or output("git", "log", "-1", "--format=%ct"))
+    stamp = int(os.environ.get("SOURCE_DATE_EPOCH") or git("log", "-1", "--format=%ct") or EARLIEST)
     target = options.output or ROOT / "build" / f"{title}.zip"
     files = collect(title, stamp)
     write(target, title, files, stamp)
