@@ -1,6 +1,6 @@
 # The project's commands. Each installs what is missing (Debian 12 or 13, as root) and can be run again in seconds.
 .DEFAULT_GOAL := help
-.PHONY: help setup configure build run test quick coverage mutants fuzz stress bench check clean
+.PHONY: help setup configure build run test package quick coverage mutants fuzz stress bench check clean
 
 BUILD := build/release
 JOBS := $(shell nproc)
@@ -22,10 +22,15 @@ build: configure ## build/release/VelUI.dll and velhost.exe
 run: build ## install the driver into a Wine spooler, ask for its capabilities, show its document sheet, print a page
 	@tools/run.sh
 
-test: configure ## build the module plain and with traps for undefined behaviour, and run all tests on both
+test: configure ## build the module plain and with traps for undefined behaviour, try the package, run all tests on both
 	@echo "== building the module, the host program and the tests"
 	@cmake --build --preset release -j $(JOBS) --target veltests veltests_checked
+	@tools/package-test.sh
 	@tools/test.sh
+
+package: configure ## build/VelUI-<version>-x64.zip: module, host program, documents, licences, selftest (docs/package.md)
+	@cmake --build --preset release -j $(JOBS) --target VelUI velhost veltests
+	@tools/package.py
 
 quick: configure ## FOLDER=state: the plain build and the tests of one folder, for the change at hand
 	@[ -n "$(FOLDER)" ] || { echo "which tests? make quick FOLDER=state (a folder of tests/)" >&2; exit 1; }

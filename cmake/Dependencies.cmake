@@ -38,7 +38,8 @@ if(CMAKE_CROSSCOMPILING)
     set(log4cpp_lib ${log4cpp_dir}/install/lib/liblog4cpp.a)
     # in_addr_t is missing from MinGW's headers; log4cpp means the type of in_addr.s_addr.
     set(log4cpp_definitions LOG4CPP_HAVE_INT64_T in_addr_t=u_long)
-    set(log4cpp_flags "-O2 -g -ffunction-sections -fdata-sections -w -DNDEBUG")
+    # The build folder must not show in the module's symbols, and so in the checksum of them that the module carries.
+    set(log4cpp_flags "-O2 -g -ffunction-sections -fdata-sections -w -DNDEBUG -ffile-prefix-map=${log4cpp_dir}=log4cpp")
     foreach(definition ${log4cpp_definitions})
         string(APPEND log4cpp_flags " -D${definition}")
     endforeach()

@@ -1,8 +1,10 @@
 // The test program's main. By itself it is Catch2's. With --worker it runs the cases whose names it reads, one a line,
 // from its standard input, and says after each how it ended: so tools/testrun.py spreads the cases over a handful of
-// processes and knows at any moment which one a process is in.
+// processes and knows at any moment which one a process is in. With --selftest it does that itself, one case after the
+// other (tests/SelfTest.h).
 #include "diag/Log.h"
 #include "support/module/ModuleTexts.h"
+#include "tests/SelfTest.h"
 
 #include <catch2/catch_session.hpp>
 
@@ -104,6 +106,10 @@ int main(int argc, char* argv[])
     if (argc == 2 && std::strcmp(argv[1], "--worker") == 0)
     {
         return Work(session);
+    }
+    if (argc >= 2 && std::strcmp(argv[1], "--selftest") == 0)
+    {
+        return RunSelfTest({argv + 2, argv + argc});
     }
     return session.run(argc, argv);
 }

@@ -63,6 +63,7 @@ EXPORTS = "driver/VelUI.def"
 GENERATED = ("Version.h",)
 SYSTEM_FOLDERS = ("CLI/", "log4cpp/")  # of libraries that spell their own names so
 MOST_LINES = 600
+README_LINES = 120  # the short way in: two screens with its pictures; all else has a page in docs/
 LONG_FUNCTION = 60
 SHORT_HEADER = 30
 REPEATED_RUN = 6
@@ -364,6 +365,9 @@ def check_lengths(files, tell):
     for path, file in files.items():
         if len(file.lines) > MOST_LINES:
             tell(path, len(file.lines), f"has {len(file.lines)} lines, more than {MOST_LINES}: split it")
+    readme = len(pathlib.Path("README.md").read_text(encoding="utf-8").splitlines())
+    if readme > README_LINES:
+        tell("README.md", readme, f"has {readme} lines, more than {README_LINES}: move some of it to docs/")
 
 
 def repeated_runs(files):

@@ -7,7 +7,8 @@ cd "$(dirname "$0")/.."
 say() { echo "== $*"; }
 
 # What for: cross compiler and resource compiler; build tools; drawings into icons and bitmaps, printed pages into
-# pictures; Wine, a display and a Chinese font; header-only libraries; the source of locales (code page 936 needs one).
+# pictures; Wine, a display and a Chinese font; header-only libraries; the source of locales (code page 936 needs one);
+# the package's pages.
 packages=(
     g++-mingw-w64-x86-64-win32 binutils-mingw-w64-x86-64
     cmake ninja-build make git
@@ -15,6 +16,7 @@ packages=(
     wine wine64 fonts-wine xvfb fonts-wqy-microhei python3
     libboost-dev libcli11-dev nlohmann-json3-dev
     locales libc-bin util-linux
+    python3-markdown
 )
 if [ "${1:-}" = check ]; then
     packages+=(cppcheck)

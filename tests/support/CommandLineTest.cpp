@@ -225,13 +225,14 @@ TEST_CASE_METHOD(LaunchCalls, "a start that is not waited for leaves its process
 {
     const HANDLE hProcess = CreateEventW(nullptr, TRUE, FALSE, nullptr); // never signalled: a wait would not end
     s_iStartResult = reinterpret_cast<intptr_t>(hProcess);
-    Language::LaunchCommandLine(BesideTests(L"standin.exe"), false);
+    const std::wstring strLine = L"\"" + BesideTests(L"standin.exe") + L"\"";
+    Language::LaunchCommandLine(strLine, false);
     DWORD dwFlags = 0;
     CHECK(GetHandleInformation(hProcess, &dwFlags));
     CHECK(s_modes == std::vector<int>{_P_NOWAIT});
     CloseHandle(hProcess);
     s_iStartResult = 0;
-    Language::LaunchCommandLine(BesideTests(L"standin.exe"), true);
+    Language::LaunchCommandLine(strLine, true);
     CHECK(s_modes == std::vector<int>{_P_NOWAIT, _P_WAIT});
 }
 

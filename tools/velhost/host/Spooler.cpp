@@ -43,7 +43,6 @@ std::vector<BYTE> PrinterInfo2(const PrinterHandle& printer)
     });
 }
 
-/// The drivers for 64-bit Windows.
 } // namespace
 
 bool IsSameName(const std::wstring& strLeft, const std::wstring& strRight)
