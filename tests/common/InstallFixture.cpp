@@ -28,6 +28,8 @@ InstallFixture::InstallFixture() : m_strPrinter(OwnName(L"VelTestPrinter", L""))
 {
     registry.CopyFromMachine(kPrintKey);
     registry.CopyFromMachine(kPortsKey);
+    // Tells where win.ini's section of devices is, in which Windows looks for a printer before it makes a device of it.
+    registry.CopyFromMachine(L"Software\\Microsoft\\Windows NT\\CurrentVersion\\IniFileMapping");
     // Whatever is installed in the prefix.
     Forget(std::wstring(kPrintKey) + L"\\Printers\\VelPrinter");
     Forget(std::wstring(kPrintKey) + L"\\Environments\\Windows x64\\Drivers\\Version-3\\VelUI Printer Driver");

@@ -1,4 +1,6 @@
-// velhost print: what the page is, read from the PostScript that comes out, and how the command fails.
+// velhost print: what the page is, read from the PostScript that comes out, and how the command fails. Each case is
+// [alone]: Windows looks for printers in the devices section of win.ini, and a process keeps for good in which registry
+// it has found the place of that section, which is that of its first case.
 
 #include "settings/DriverDevmode.h"
 #include "state/DataFiles.h"
@@ -81,6 +83,8 @@ const PageCase kPages[] = {
     {"Letter, short edge", DMPAPER_LETTER, 1, 1, 3, "612 792", 612, 792, "Portrait", "/Duplex true /Tumble true"},
     // 16K, 184 x 260 mm, and large 16K, 210 x 285 mm, whose number is the driver's own.
     {"16K", 93, 2, 1, 1, "522 737", 522, 737, "Landscape", "/Duplex false"},
+    // The custom paper has no size that the platform's driver would take: it is laid on A4.
+    {"custom", 256, 1, 1, 1, "595 842", 595, 842, "Portrait", "/Duplex false"},
     {"large 16K", 257, 1, 2, 1, "595 808", 595, 808, "Portrait", "/Duplex false"},
 };
 
@@ -107,7 +111,7 @@ void CheckPage(const std::string& strJob, const PageCase& page)
 
 TEST_CASE_METHOD(InstallFixture,
                  "the test page has the paper, the orientation, the colour and the sides that are stored",
-                 "[velhost][print]")
+                 "[velhost][print][alone]")
 {
     REQUIRE(Install().iExitCode == 0);
     const std::string strPrinter = VelHost::ToUtf8(PrinterName());
@@ -129,7 +133,7 @@ TEST_CASE_METHOD(InstallFixture,
 TEST_CASE_METHOD(InstallFixture,
                  "the test page's grid is whole centimetres from the paper's edge, in a frame at the "
                  "printable one",
-                 "[velhost][print]")
+                 "[velhost][print][alone]")
 {
     REQUIRE(Install().iExitCode == 0);
     REQUIRE(Run({"print", "--printer", VelHost::ToUtf8(PrinterName())}).iExitCode == 0);
@@ -152,7 +156,7 @@ TEST_CASE_METHOD(InstallFixture,
 TEST_CASE_METHOD(InstallFixture,
                  "print says why it can't: no printer, no file, a port that asks, a record that lies, "
                  "nothing that renders",
-                 "[velhost][print]")
+                 "[velhost][print][alone]")
 {
     REQUIRE(Install().iExitCode == 0);
     const std::string strPrinter = VelHost::ToUtf8(PrinterName());
@@ -186,4 +190,34 @@ TEST_CASE_METHOD(InstallFixture,
     registry.SetText(strDriverKey, L"Driver", L"VelUI.dll");
     registry.SetText(strDriverKey, L"Data File", L"VelUI.dll");
     CHECK_THAT(failure({"print", "--printer", strPrinter, "--to", strFile}), ContainsSubstring("renders nothing"));
+}
+
+TEST_CASE_METHOD(InstallFixture, "what is chosen on a driven sheet is printed, until it is forgotten",
+                 "[velhost][print][sheets][alone]")
+{
+    REQUIRE(Install().iExitCode == 0);
+    const auto print = [this] {
+        WriteFileBytes(PortFile(), "");
+        REQUIRE(Run({"print", "--printer", VelHost::ToUtf8(PrinterName())}).iExitCode == 0);
+        return ReadFileBytes(PortFile());
+    };
+    REQUIRE(Run({"sheet", "document", "--paper", "A3", "--orientation", "landscape", "--colour", "colour", "--sides",
+                 "long", "--press", "ok"})
+                .iExitCode == 0);
+    CheckPage(print(), kPages[1]);
+
+    // A choice that can't be made closes the sheet by its cancel button.
+    const CommandEnd unknown =
+        Run({"sheet", "document", "--paper", "A33", "--orientation", "portrait", "--press", "ok"});
+    CHECK(unknown.iExitCode == 1);
+    CHECK_THAT(unknown.strError, ContainsSubstring("the printer has no paper \"A33\""));
+    // Neither does a choice without a button to press.
+    CHECK(Run({"sheet", "document", "--paper", "A5"}).iExitCode == 0);
+    CheckPage(print(), kPages[1]);
+
+    CHECK(Run({"sheet", "document", "--sides", "one", "--press", "ok"}).iExitCode == 0);
+    CHECK(print().find("<</Duplex false>>") != std::string::npos);
+    CHECK(Run({"devmode", "--forget"}).iExitCode == 0);
+    CheckPage(print(), kPages[0]);
+    CHECK(Run({"devmode", "--forget"}).iExitCode == 0);
 }
