@@ -347,10 +347,15 @@ TEST_CASE_METHOD(ConfigFixture, "a lock that another process holds is told, and 
     const Findings findings = Look();
     CHECK(findings.Codes() == Codes{"CFG08"});
     CHECK(findings.List().at(0).strDetail == L"not free for half a second; Windows does not tell who holds a mutex");
+    // Kept open, or the mutex would go with its holder and nothing be left behind.
+    const HANDLE hKept = CreateMutexW(nullptr, FALSE, MutexNameOf(ConfigFile()).c_str());
+    REQUIRE(hKept != nullptr);
     holder.End();
     CHECK(Look().Codes() == Codes());
-    // Looking has left it free.
-    LockHolder next(ConfigFile());
+    {
+        const LockHolder next(ConfigFile()); // looking has left it free for others
+    }
+    CloseHandle(hKept);
 }
 
 TEST_CASE_METHOD(ConfigFixture, "another object of the lock's name is told", "[velhost][doctor]")

@@ -251,6 +251,7 @@ TEST_CASE_METHOD(LogFixture, "a function's own category makes the module's", "[v
 {
     Replace("category.VelUI_dll=DEBUG, velui", "category.VelUI_dll.F=DEBUG, velui\n");
     Replace("rootCategory=ERROR", "rootCategory=ERROR, velui");
+    CHECK(Look().Codes() == Codes{"LOG18"}); // the root's appender gets nothing of it
     Replace("additivity.VelUI_dll=false", "");
     CHECK(Look().Codes() == Codes());
     REQUIRE(Start());

@@ -230,7 +230,7 @@ TEST_CASE_METHOD(ClientFixture, "names of the failing lengths are fixed to the l
                  "[velhost][snapshot]")
 {
     const std::wstring strSame = std::wstring(61, L'n');
-    s_papers = {NameOf(62), strSame + L"b", strSame + L"cd", L"A4", std::wstring(61, L'N'), NameOf(64)};
+    s_papers = {std::wstring(62, L'N'), strSame + L"b", strSame + L"cd", L"A4", std::wstring(61, L'n'), NameOf(64)};
     s_bins = {NameOf(23), L"Tray"};
     WriteCaps({});
     const VelUtility::PrinterInfo stuInfo = {L"Named", L"", L""};
@@ -249,9 +249,9 @@ TEST_CASE_METHOD(ClientFixture, "names of the failing lengths are fixed to the l
     VelUtility::MakePrinterConfig(&stuInfo, &snapshot.Caps());
     // 61 letters are the name of the fifth, in other letters; so each gives way by a number.
     const std::wstring strShort(59, L'n');
-    CHECK(NamesFromModule(DC_PAPERNAMES, 64) == std::vector<std::wstring>{strShort + L"~2", strShort + L"~3",
-                                                                          strShort + L"~4", L"A4",
-                                                                          std::wstring(61, L'N'), strShort + L"~5"});
+    CHECK(NamesFromModule(DC_PAPERNAMES, 64) == std::vector<std::wstring>{std::wstring(59, L'N') + L"~2",
+                                                                          strShort + L"~3", strShort + L"~4", L"A4",
+                                                                          std::wstring(61, L'n'), strShort + L"~5"});
     CHECK(NamesFromModule(DC_BINNAMES, 24) == std::vector<std::wstring>{std::wstring(21, L'n'), L"Tray"});
     CHECK(FindingsIn(snapshot).empty());
 }
