@@ -174,6 +174,16 @@ TEST_CASE_METHOD(ClientFixture,
     }
 }
 
+TEST_CASE_METHOD(ClientFixture, "the doctor accepts a folder that the code page lacks where it is read as it is",
+                 "[velhost][doctor]")
+{
+    const std::wstring strData = folder.File(kThaiFolder);
+    REQUIRE(CreateDirectoryW(strData.c_str(), nullptr));
+    registry.SetClient(L"DataDir", strData);
+    registry.SetClient(L"TempDir", strData);
+    CHECK(CodesOf(&CheckRegistry).empty());
+}
+
 TEST_CASE_METHOD(ClientFixture, "the doctor tells of a folder in which the user may not add files", "[velhost][doctor]")
 {
     // As root every folder can be written to; so Windows is made to refuse.

@@ -150,6 +150,8 @@ TEST_CASE_METHOD(DoctorSpoolerFixture, "the doctor finds each fault of the print
     CHECK(Look(false) == Codes{"SPL09"});
     SetDefaultRecord("");
     CHECK(Look(false) == Codes{"SPL09"});
+    CHECK(RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, printer.PrinterKey().c_str(), L"Default DevMode") == ERROR_SUCCESS);
+    CHECK(Look(false) == Codes{"SPL09"});
     SetDefaultRecord(strRecord);
     CHECK(Look(false).empty());
 
