@@ -4,7 +4,8 @@
 # behind.
 #   tools/package-test.sh           that much; make test does it, unless all that the package is made of is as it was when it
 #                                   was proved last
-#   tools/package-test.sh --full    then the whole selftest, and the module linked anew with another build of log4cpp
+#   tools/package-test.sh --full    then the whole selftest, and the programs linked anew with another build of log4cpp;
+#                                   --selftest or --relink for one of the two alone
 # From the unpacking on neither the source tree, nor the build, nor a compiler is there: empty folders lie over them. (Where
 # the system lets nobody do that, it says so, and uses the package beside them.)
 set -euo pipefail
@@ -17,7 +18,7 @@ compiler_folders=(/usr/lib/gcc/x86_64-w64-mingw32 /usr/x86_64-w64-mingw32 /usr/s
 
 if [ "${1:-}" != --inside ]; then
     cd "$(dirname "$0")/.."
-    [ "${1:-}" = "" ] || [ "$1" = --full ] || fail "unknown argument $1"
+    case ${1:-} in "" | --full | --selftest | --relink) ;; *) fail "unknown argument $1" ;; esac
     title=$(tools/package.py --name)
     # What decides about the outcome: the tree, and what was built of it.
     proved=build/tests/package-proved
@@ -112,31 +113,40 @@ session 'echo "-- uninstall"; velhost uninstall'
 inventory build/after
 diff build/before build/after >build/left || { cat build/left; fail "something is left behind"; }
 say "installed, used and removed; nothing is left behind"
-[ "$form" = --full ] || exit 0
 
-say "the whole selftest, without a compiler"
-selftest() { # code page's locale, folder of the selftest, words
+# code page's locale, folder of the selftest, parts of cases' names
+selftest() {
     VELUI_LOCALE=$1 tools/wine.sh --session tools/wine.sh cmd /c "$(winpath "$2")\\selftest.cmd" "${@:3}"
 }
 winpath() { echo "Z:$1" | tr / '\\'; }
-if [ -z "$covered" ]; then
-    selftest C.UTF-8 "$package/selftest"
-else
+
+whole_selftest() {
+    say "the whole selftest, without a compiler"
+    if [ -z "$covered" ]; then
+        selftest C.UTF-8 "$package/selftest"
+        selftest zh_CN.UTF-8 "$package/selftest" '[cp936]'
+        return
+    fi
     # In a view of its own, so that the compiler is there again afterwards.
     unshare -m bash -c "set -euo pipefail; $(declare -f hide selftest winpath)
         hide ${compiler_folders[*]}
         ! x86_64-w64-mingw32-g++-win32 -x c++ -E - <<<'#include <windows.h>' >/dev/null 2>&1 || exit 1
         selftest C.UTF-8 '$package/selftest'; selftest zh_CN.UTF-8 '$package/selftest' '[cp936]'"
-fi
+}
 
-say "linked anew with another build of log4cpp, made from this package"
-again="$here/linked anew"
-cp -r "$package/selftest" "$again"
-sh "$package/relink/log4cpp/build.sh" "$here/another log4cpp" -Os >build/log4cpp.log 2>&1 ||
-    { cat build/log4cpp.log; fail "log4cpp does not build"; }
-for program in VelUI.dll storeworker.exe velhost.exe veltests.exe; do
-    sh "$package/relink/relink.sh" "$here/another log4cpp/install/lib/liblog4cpp.a" "$again" "$program"
-    ! cmp -s "$package/selftest/$program" "$again/$program" || fail "another log4cpp has made the same $program"
-done
-selftest C.UTF-8 "$again" ModuleFileTest LoadUnloadTest InfPartTest LogConfiguratorTest velhost/ProgramTest
-say "linked anew, and it passes the tests of the file, of loading and of the log"
+linked_anew() {
+    say "linked anew with another build of log4cpp, made from this package"
+    local again="$here/linked anew" program
+    cp -r "$package/selftest" "$again"
+    sh "$package/relink/log4cpp/build.sh" "$here/another log4cpp" -Os >build/log4cpp.log 2>&1 ||
+        { cat build/log4cpp.log; fail "log4cpp does not build"; }
+    for program in VelUI.dll storeworker.exe velhost.exe veltests.exe; do
+        sh "$package/relink/relink.sh" "$here/another log4cpp/install/lib/liblog4cpp.a" "$again" "$program"
+        ! cmp -s "$package/selftest/$program" "$again/$program" || fail "another log4cpp has made the same $program"
+    done
+    selftest C.UTF-8 "$again" ModuleFileTest LoadUnloadTest InfPartTest LogConfiguratorTest velhost/ProgramTest
+    say "linked anew, and it passes the tests of the file, of loading and of the log"
+}
+
+case $form in --full | --selftest) whole_selftest ;; esac
+case $form in --full | --relink) linked_anew ;; esac
