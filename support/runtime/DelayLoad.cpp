@@ -159,6 +159,18 @@ const StandIn kStandIns[] = {
     STAND_IN(GetAdaptersInfo, AnswerLastError),
 };
 
+/// Puts a function into its slot. Newer linkers make the whole import table read-only, and the platform's loader
+/// unlocks its own part of it alone. The slot's page is not locked again: another thread may be about to fill a slot
+/// beside it. Where it can't be unlocked the slot stays as it is, and the next call comes here again.
+void Fill(FARPROC* ppfnSlot, FARPROC pfn)
+{
+    DWORD dwBefore = 0;
+    if (VirtualProtect(ppfnSlot, sizeof(*ppfnSlot), PAGE_READWRITE, &dwBefore))
+    {
+        __atomic_store_n(ppfnSlot, pfn, __ATOMIC_RELEASE);
+    }
+}
+
 /// Lets a call fail: by what stands in for the function, or else by an exception, which does not return unless a
 /// handler of the host's goes on behind it.
 FARPROC Fail(const ImgDelayDescr& description, FARPROC* ppfnSlot, const IMAGE_IMPORT_BY_NAME& name, HMODULE hLibrary)
@@ -226,7 +238,7 @@ extern "C" FARPROC WINAPI __delayLoadHelper2(PCImgDelayDescr pDescription, FARPR
     {
         return Fail(*pDescription, ppfnSlot, name, hLibrary);
     }
-    __atomic_store_n(ppfnSlot, pfn, __ATOMIC_RELEASE);
+    Fill(ppfnSlot, pfn);
     SetLastError(dwLastError);
     return pfn;
 }
