@@ -146,7 +146,7 @@ TEST_CASE("a finding of no kind is a fault of the program", "[velhost][doctor]")
 
 TEST_CASE_METHOD(ClientFixture,
                  "velhost doctor ends with 0 when all is good, 1 with findings, 2 when it could not look",
-                 "[velhost][doctor][program][serial]")
+                 "[velhost][doctor][program]")
 {
     WriteFileBytes(ConfigFile(), ReadFileBytes(BesideTests(L"sample\\Config.ini")));
     const DoctorPrinter printer(*this);

@@ -94,7 +94,7 @@ private:
 } // namespace
 
 TEST_CASE_METHOD(InstallFixture, "an application prints a text through the driver and ends within a minute",
-                 "[velhost][print][alone][serial]")
+                 "[velhost][print][alone]")
 {
     REQUIRE(Install().iExitCode == 0);
     const DefaultPrinter printer(PrinterName() + L",winspool," + PortFile());
