@@ -3,7 +3,9 @@
 #include "support/Exception.h"
 #include "tools/velhost/commands/Commands.h"
 #include "tools/velhost/doctor/ClientCheck.h"
+#include "tools/velhost/doctor/ConfigCheck.h"
 #include "tools/velhost/doctor/Kinds.h"
+#include "tools/velhost/doctor/LogConfigCheck.h"
 #include "tools/velhost/doctor/RegistryCheck.h"
 #include "tools/velhost/doctor/SpoolerCheck.h"
 #include "tools/velhost/doctor/UserFilesCheck.h"
@@ -72,13 +74,9 @@ void LookAtAll(const DoctorOptions& options, const std::wstring& strModule, Find
 {
     Look("registry", findings, [&] { CheckRegistry(findings); });
     LookInFolder("Config.ini", ClientFolder(VelUtility::kClientTempDir, VelUtility::kTempDirSize), findings,
-                 [&](const std::wstring& /*strFolder*/) {
-                     // Config.ini: CheckConfigFile(PathIn(strFolder, L"Config.ini"), findings);
-                 });
+                 [&](const std::wstring& strFolder) { CheckConfigFile(PathIn(strFolder, L"Config.ini"), findings); });
     LookInFolder("LogConfig.conf", ClientFolder(VelUtility::kClientInstallDir, MAX_PATH * sizeof(wchar_t)), findings,
-                 [&](const std::wstring& /*strFolder*/) {
-                     // LogConfig.conf: CheckLogConfig(strFolder, findings);
-                 });
+                 [&](const std::wstring& strFolder) { CheckLogConfig(strFolder, findings); });
 
     const std::wstring strClient = MakeClientPath();
     bool bAsk = true;
