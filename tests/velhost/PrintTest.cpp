@@ -153,9 +153,7 @@ TEST_CASE_METHOD(InstallFixture,
     CHECK(Found(strJob, "\n(4752 681[01]) moveto\n6 681[01] lineto").size() == 1);
 }
 
-TEST_CASE_METHOD(InstallFixture,
-                 "print says why it can't: no printer, no file, a port that asks, a record that lies, "
-                 "nothing that renders",
+TEST_CASE_METHOD(InstallFixture, "print says why it can't: no printer, no file, a port that asks, a record that lies",
                  "[velhost][print][alone]")
 {
     REQUIRE(Install().iExitCode == 0);
@@ -183,13 +181,21 @@ TEST_CASE_METHOD(InstallFixture,
     const std::wstring strPrinterKey = L"System\\CurrentControlSet\\Control\\Print\\Printers\\" + PrinterName();
     registry.SetText(strPrinterKey, L"Port", L"FILE:");
     CHECK_THAT(failure({"print", "--printer", strPrinter}), ContainsSubstring("name one with --to FILE"));
+}
 
-    // The form that install gave once. No page may be begun: it would never end.
+TEST_CASE_METHOD(InstallFixture, "print begins no page where the module is registered as all three files",
+                 "[velhost][print][alone]")
+{
+    REQUIRE(Install().iExitCode == 0);
+    // The form that install gave once. A page that was begun would never end.
     const std::wstring strDriverKey = L"System\\CurrentControlSet\\Control\\Print\\Environments\\Windows x64\\Drivers\\"
                                       L"Version-3\\VelUI Printer Driver";
     registry.SetText(strDriverKey, L"Driver", L"VelUI.dll");
     registry.SetText(strDriverKey, L"Data File", L"VelUI.dll");
-    CHECK_THAT(failure({"print", "--printer", strPrinter, "--to", strFile}), ContainsSubstring("renders nothing"));
+    const CommandEnd end = Run({"print", "--printer", VelHost::ToUtf8(PrinterName())});
+    CHECK(end.iExitCode == 1);
+    CHECK_THAT(end.strError, ContainsSubstring("velhost install mends its own"));
+    CHECK(ReadFileBytes(PortFile()).empty());
 }
 
 TEST_CASE_METHOD(InstallFixture, "what is chosen on a driven sheet is printed, until it is forgotten",
