@@ -71,7 +71,7 @@ class Sessions(list):
 
     def __init__(self, count):
         cores = sorted(os.sched_getaffinity(0))
-        super().__init__(Session(cores[at] if 1 < count <= len(cores) else None) for at in range(count))
+        super().__init__(Session(cores[at % len(cores)] if len(cores) > 1 else None) for at in range(count))
 
     def __enter__(self):
         folder = ROOT / "build" / "tests"

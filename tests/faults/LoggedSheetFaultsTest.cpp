@@ -90,7 +90,7 @@ struct SheetPlayer
         const PROPSHEETPAGEW& page = s_pages.at(uiPage);
         s_pfnPage = page.pfnDlgProc;
         return std::make_unique<PageWindow>(hModule, static_cast<UINT>(reinterpret_cast<ULONG_PTR>(page.pszTemplate)),
-                                            &PlayPage, page.lParam);
+                                            &PlayPage, page.lParam, 0);
     }
 
     stuDrvDevmode in = PlainRecord();

@@ -64,7 +64,7 @@ struct PageFaults : FaultFixture
         const PROPSHEETPAGEW& page = s_pages[uiPage];
         return std::make_unique<PageWindow>(module.handle,
                                             static_cast<UINT>(reinterpret_cast<ULONG_PTR>(page.pszTemplate)),
-                                            page.pfnDlgProc, page.lParam);
+                                            page.pfnDlgProc, page.lParam, 0);
     }
 
     const BuiltModule module;

@@ -62,7 +62,7 @@ void PressSpin(HWND hSpin, bool bUp)
 
 } // namespace Hand
 
-PageWindow::PageWindow(HMODULE hModule, UINT uiTemplate, DLGPROC pfnDialog, LPARAM lParam)
+PageWindow::PageWindow(HMODULE hModule, UINT uiTemplate, DLGPROC pfnDialog, LPARAM lParam, DWORD dwVisible)
 {
     static constexpr wchar_t kClass[] = L"VelTestPageParent";
     WNDCLASSW parentClass = {};
@@ -70,8 +70,8 @@ PageWindow::PageWindow(HMODULE hModule, UINT uiTemplate, DLGPROC pfnDialog, LPAR
     parentClass.cbWndExtra = sizeof(this);
     parentClass.lpszClassName = kClass;
     RegisterClassW(&parentClass); // fails when it is there
-    m_hParent = CreateWindowW(kClass, L"", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 900, 700, nullptr, nullptr, nullptr,
-                              nullptr);
+    m_hParent =
+        CreateWindowW(kClass, L"", WS_OVERLAPPEDWINDOW | dwVisible, 0, 0, 900, 700, nullptr, nullptr, nullptr, nullptr);
     REQUIRE(m_hParent != nullptr);
     SetWindowLongPtrW(m_hParent, 0, reinterpret_cast<LONG_PTR>(this));
 

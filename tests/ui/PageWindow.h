@@ -16,7 +16,8 @@ public:
     /// @param hModule    the module with the dialog.
     /// @param uiTemplate IDD_ number.
     /// @param lParam     what the page finds in lParam of its PROPSHEETPAGE.
-    PageWindow(HMODULE hModule, UINT uiTemplate, DLGPROC pfnDialog, LPARAM lParam);
+    /// @param dwVisible  0 for a page that nobody sees, which costs half: it works, and is never drawn.
+    PageWindow(HMODULE hModule, UINT uiTemplate, DLGPROC pfnDialog, LPARAM lParam, DWORD dwVisible = WS_VISIBLE);
     ~PageWindow();
     PageWindow(const PageWindow&) = delete;
     PageWindow& operator=(const PageWindow&) = delete;
