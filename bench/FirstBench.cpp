@@ -114,6 +114,12 @@ void BenchFirst(Results& results, const BenchClient& client)
                                 [&] { return fresh.Run(L"bareprocess.exe", L"load", strOurs); });
     results.Add(RowOfPairs("fresh process: first load", load.floorTimes, load.oursTimes, RatioGoal(1.3)));
 
+    const std::wstring strLooks = VelHost::BesideProgram(L"EmptyThatLooks.dll");
+    const Pairs look = RunPairs([&] { return fresh.Run(L"bareprocess.exe", L"load", strEmpty); },
+                                [&] { return fresh.Run(L"bareprocess.exe", L"load", strLooks); });
+    results.Add(RowOfPairs("of which the look for the log's configuration: an empty module that looks", look.floorTimes,
+                           look.oursTimes, RatioGoal(kNoLimit)));
+
     const std::wstring strLog4cpp = VelHost::BesideProgram(L"EmptyWithLog4cpp.dll");
     const Pairs libraries = RunPairs([&] { return fresh.Run(L"bareprocess.exe", L"load", strEmpty); },
                                      [&] { return fresh.Run(L"bareprocess.exe", L"load", strLog4cpp); });

@@ -67,7 +67,8 @@ session() {
 # installation leaves.
 inventory() {
     python3 tools/inventory.py build/wine | grep -vE '"DriverDateData"=' | grep -vF \
-        -e 'system.reg [System\\CurrentControlSet\\Control\\Print\\Environments\\Windows x64\\Drivers\\Version-3]' -x \
+        -e 'system.reg [System\\CurrentControlSet\\Control\\Print\\Environments\\Windows x64\\Drivers\\Version-3]' \
+        -e 'system.reg [System\\ControlSet001\\Control\\Print\\Environments\\Windows x64\\Drivers\\Version-3]' -x \
         -e 'user.reg [Software\\Microsoft\\Windows NT\\CurrentVersion\\Devices]' \
         -e 'user.reg [Software\\Microsoft\\Windows NT\\CurrentVersion\\PrinterPorts]' >"$1"
 }

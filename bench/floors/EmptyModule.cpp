@@ -3,8 +3,21 @@
 
 #include <windows.h>
 
+#include <cstdio>
+#include <io.h>
+
 namespace
 {
+
+/// Looks for the log's configuration in a folder, which is no registry call and so in a floor of its own.
+void LookIn([[maybe_unused]] const char* pszInstallDir)
+{
+#ifdef LOOK_FOR_CONFIGURATION
+    char szFile[300];
+    _snprintf_s(szFile, sizeof(szFile), _TRUNCATE, "%s\\LogConfig.conf", pszInstallDir);
+    _access(szFile, 0);
+#endif
+}
 
 void ReadInstallDir(const char* pszKey)
 {
@@ -15,8 +28,13 @@ void ReadInstallDir(const char* pszKey)
     }
     char szInstallDir[260];
     DWORD cbInstallDir = sizeof(szInstallDir);
-    RegQueryValueExA(hKey, "InstallDir", nullptr, nullptr, reinterpret_cast<BYTE*>(szInstallDir), &cbInstallDir);
+    const LSTATUS lStatus =
+        RegQueryValueExA(hKey, "InstallDir", nullptr, nullptr, reinterpret_cast<BYTE*>(szInstallDir), &cbInstallDir);
     RegCloseKey(hKey);
+    if (lStatus == ERROR_SUCCESS)
+    {
+        LookIn(szInstallDir);
+    }
 }
 
 } // namespace
