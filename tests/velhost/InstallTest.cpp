@@ -1,5 +1,6 @@
 // velhost install and uninstall: which files a driver is registered with, and whose they are.
 
+#include "support/ScopeGuard.h"
 #include "tests/common/BuiltModule.h"
 #include "tests/common/ImportHook.h"
 #include "tests/common/InstallFixture.h"
@@ -124,6 +125,25 @@ TEST_CASE_METHOD(InstallFixture, "an installation with the module as all three f
     CHECK(Run({"uninstall"}).iExitCode == 0);
     CHECK_FALSE(PathExists(Spooled(strOld)));
     CHECK_FALSE(PathExists(Spooled(L"VelUI.dll")));
+}
+
+TEST_CASE_METHOD(InstallFixture, "install says so when a program keeps the spooler's copy of the module in use",
+                 "[velhost][install]")
+{
+    REQUIRE(Install().iExitCode == 0);
+    const std::wstring strCopy = Spooled(L"VelUI.dll");
+    const std::string strBefore = ReadFileBytes(strCopy);
+    // Another version of the module, which the spooler can't put in the place of the one that a process has loaded.
+    const std::wstring strNewer = folder.File(L"VelUI.dll");
+    WriteFileBytes(strNewer, strBefore + "newer");
+    const HMODULE hInUse = LoadLibraryW(strCopy.c_str());
+    REQUIRE(hInUse != nullptr);
+    const Language::scope_guard unload([hInUse] { FreeLibrary(hInUse); });
+    const CommandEnd end = Install({"--module", ToUtf8(strNewer)});
+    CHECK(end.iExitCode == 1);
+    CHECK_THAT(end.strError, ContainsSubstring("a program uses it; close the programs that have printed"));
+    const bool bKept = ReadFileBytes(strCopy) == strBefore;
+    CHECK(bKept);
 }
 
 TEST_CASE_METHOD(InstallFixture, "install takes any rendering driver with its data, and uninstall takes them away",

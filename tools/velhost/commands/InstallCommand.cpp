@@ -11,6 +11,7 @@
 #include "tools/velhost/report/Table.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <memory>
 
 namespace VelHost
@@ -93,7 +94,25 @@ void CheckPort(const std::wstring& strPort)
     }
 }
 
-void AddPrinterOnce(std::wstring strPrinter, std::wstring strPort, InstallReport& report)
+/// @return the main number of Wine's version; 0 under Windows.
+int WineVersion()
+{
+    const auto pfnVersion = reinterpret_cast<const char*(CDECL*)()>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version")));
+    return pfnVersion == nullptr ? 0 : std::atoi(pfnVersion());
+}
+
+/// @return the print processor for the driver that renders. Newer releases of Wine hand their PostScript driver pages
+/// as EMF files, which the print processor of its own name takes and "winprint" refuses; Wine 8 has that one already
+/// and can't finish a job with it.
+std::wstring PrintProcessorOf(const std::wstring& strRenderingDriver)
+{
+    const std::wstring strFile = NameInFolder(strRenderingDriver);
+    const std::wstring strName = strFile.substr(0, strFile.rfind(L'.'));
+    return WineVersion() >= 9 && HasPrintProcessor(strName) ? strName : L"winprint";
+}
+
+void AddPrinterOnce(std::wstring strPrinter, std::wstring strPort, std::wstring strProcessor, InstallReport& report)
 {
     if (IsPrinterInstalled(strPrinter))
     {
@@ -101,7 +120,6 @@ void AddPrinterOnce(std::wstring strPrinter, std::wstring strPort, InstallReport
         return;
     }
     std::wstring strDriver = kDriverName;
-    std::wstring strProcessor = L"winprint";
     std::wstring strDatatype = L"RAW";
     PRINTER_INFO_2W info = {};
     info.pPrinterName = strPrinter.data();
@@ -259,7 +277,7 @@ int RunInstall(const InstallOptions& options)
     }
     record.Save();
     report.driver = RegisterDriver(strModule, rendering, record);
-    AddPrinterOnce(strPrinter, strPort, report);
+    AddPrinterOnce(strPrinter, strPort, PrintProcessorOf(rendering.strDriver), report);
     AddOnce(record.printers, strPrinter);
     record.Save();
     SetPrinterScale(strPrinter);

@@ -22,7 +22,7 @@ struct LogCost
     const char* pszNanoseconds; ///< of ours
     const char* pszFactor;      ///< to the bare library
 };
-inline constexpr LogCost kLineCost = {"logging on, file: debug line with words", "9454.9", "1.170"};
-inline constexpr LogCost kTracePairCost = {"logging on, file: trace pair", "17576.8", "1.066"};
+inline constexpr LogCost kLineCost = {"logging on, file: debug line with words", "16128.3", "1.169"};
+inline constexpr LogCost kTracePairCost = {"logging on, file: trace pair", "30838.6", "1.063"};
 
 } // namespace VelHost

@@ -198,6 +198,18 @@ std::optional<std::pair<WORD, WORD>> StoredRecordSizes(const std::wstring& strPr
     return pRecord == nullptr ? std::nullopt : std::optional(std::pair(pRecord->dmSize, pRecord->dmDriverExtra));
 }
 
+bool HasPrintProcessor(const std::wstring& strName)
+{
+    DWORD dwCount = 0;
+    const std::vector<BYTE> buffer = AskTwice("can't list the print processors", [&](BYTE* pby, DWORD cb, DWORD* pcb) {
+        return EnumPrintProcessorsW(nullptr, nullptr, 1, pby, cb, pcb, &dwCount);
+    });
+    const auto* const pInfos = reinterpret_cast<const PRINTPROCESSOR_INFO_1W*>(buffer.data());
+    return std::any_of(pInfos, pInfos + dwCount, [&strName](const PRINTPROCESSOR_INFO_1W& info) {
+        return IsSameName(OrEmpty(info.pName), strName);
+    });
+}
+
 std::vector<std::wstring> PortNames()
 {
     DWORD dwCount = 0;

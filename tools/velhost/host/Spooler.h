@@ -99,6 +99,9 @@ enum class StoredRecord : DWORD
 /// @return the sizes that a stored record declares: dmSize and dmDriverExtra; nothing where there is no record.
 std::optional<std::pair<WORD, WORD>> StoredRecordSizes(const std::wstring& strPrinter, StoredRecord which);
 
+/// @return whether the spooler has a print processor of that name.
+bool HasPrintProcessor(const std::wstring& strName);
+
 /// @return names of the local ports.
 std::vector<std::wstring> PortNames();
 
