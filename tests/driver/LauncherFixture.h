@@ -10,8 +10,10 @@
 
 #include <catch2/catch_test_macros.hpp>
 
+#include <iterator>
 #include <string>
 #include <tlhelp32.h>
+#include <vector>
 
 inline int s_iUserNames = 0;
 inline int s_iVersions = 0;
@@ -92,10 +94,34 @@ public:
         }
         REQUIRE(Running(strPath) == iExpected);
     }
+    /// Whether a client from that path runs, or one that has only just been started, whose modules can't be read yet.
+    static bool MayRun(const std::wstring& strPath)
+    {
+        for (const Win32::ProcessInfo& process : Win32::WalkProcesses())
+        {
+            std::vector<Win32::ModuleInfo> modules;
+            try
+            {
+                if (_wcsicmp(process.szExeFile.c_str(), L"VelprintD.exe") == 0)
+                {
+                    Win32::ModuleSnapshot(process.th32ProcessID, std::back_inserter(modules));
+                    if (modules.empty() || Win32::PathsEqual(strPath, modules.front().szExePath))
+                    {
+                        return true;
+                    }
+                }
+            }
+            catch (...)
+            {
+                return true;
+            }
+        }
+        return false;
+    }
     static void StopClient(const std::wstring& strPath)
     {
         WriteFileBytes(strPath + L".stop", "");
-        for (int i = 0; i < 500 && Running(strPath) != 0; ++i)
+        for (int i = 0; i < 500 && MayRun(strPath); ++i)
         {
             Sleep(20);
         }
