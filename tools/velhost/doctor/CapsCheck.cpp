@@ -2,6 +2,7 @@
 
 #include "state/CapabilitySnapshot.h"
 #include "state/StoreTypes.h"
+#include "tools/velhost/host/Snapshot.h"
 #include "ui/PaperControls.h"
 
 #include <algorithm>
@@ -14,13 +15,6 @@ namespace
 {
 
 using namespace VelUtility;
-
-/// Lists of which an entry means something only together with those at its place in the others.
-const std::vector<WORD> kGroups[] = {
-    {DC_PAPERS, DC_PAPERSIZE, DC_PAPERNAMES},
-    {DC_BINS, DC_BINNAMES},
-    {DC_MEDIATYPES, DC_MEDIATYPENAMES},
-};
 
 /// What was read of one list.
 struct ReadList
@@ -47,7 +41,7 @@ public:
     }
     void CheckTogether()
     {
-        for (const std::vector<WORD>& group : kGroups)
+        for (const std::vector<WORD>& group : ListGroups())
         {
             CheckGroup(group);
         }
@@ -73,7 +67,7 @@ public:
         TellSurplus(list.pszBaseKey, read.dwCount, read.names.size());
         if (m_pRow->iDevCap != DC_MEDIAREADY) // two trays may well hold the same
         {
-            TellRepeated("CFG19", list.pszBaseKey, read.names, [](const std::wstring& str) { return FoldedName(str); });
+            TellRepeated("CFG19", list.pszBaseKey, read.names, &FoldedName);
         }
     }
     template <typename Pair>
@@ -182,12 +176,6 @@ private:
         return bMore;
     }
 
-    static std::wstring FoldedName(std::wstring strName)
-    {
-        CharLowerBuffW(strName.data(), static_cast<DWORD>(strName.size()));
-        return strName;
-    }
-
     template <typename Value, typename TextOf>
     void TellRepeated(const char* pszCode, const wchar_t* pszBaseKey, const std::vector<Value>& values,
                       const TextOf& textOf)
@@ -286,6 +274,16 @@ private:
 };
 
 } // namespace
+
+const std::vector<std::vector<WORD>>& ListGroups()
+{
+    static const std::vector<std::vector<WORD>> s_groups = {
+        {DC_PAPERS, DC_PAPERSIZE, DC_PAPERNAMES},
+        {DC_BINS, DC_BINNAMES},
+        {DC_MEDIATYPES, DC_MEDIATYPENAMES},
+    };
+    return s_groups;
+}
 
 const std::vector<FindingKind>& CapsKinds()
 {

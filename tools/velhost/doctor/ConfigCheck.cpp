@@ -32,33 +32,30 @@ constexpr char kUtf16Mark[] = "\xFF\xFE";
 /// @return whether it is there, opens, and is no larger than a snapshot can be; what is wrong else has been told.
 bool ReadWhole(const std::wstring& strFile, std::string& strBytes, Findings& findings)
 {
-    const FileHandle file(strFile, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, OPEN_EXISTING);
-    LARGE_INTEGER size = {};
-    if (!file.IsOpen() || !GetFileSizeEx(file.Get(), &size))
+    const LookedAtFile file(strFile);
+    if (file.Error() != ERROR_SUCCESS)
     {
-        const DWORD dwError = GetLastError();
-        const bool bAbsent = dwError == ERROR_FILE_NOT_FOUND || dwError == ERROR_PATH_NOT_FOUND;
-        findings.Add(bAbsent ? "CFG01" : "CFG02", strFile, FromUtf8(Win32ErrorText("can't open it", dwError)));
+        findings.Add(file.IsAbsent() ? "CFG01" : "CFG02", strFile,
+                     FromUtf8(Win32ErrorText("can't open it", file.Error())));
         return false;
     }
-    if (size.QuadPart == 0)
+    if (file.Bytes() == 0)
     {
         findings.Add("CFG04", strFile, L"0 bytes");
         return false;
     }
-    if (size.QuadPart > kMostBytes)
+    if (file.Bytes() > kMostBytes)
     {
-        findings.Add("CFG05", strFile, std::to_wstring(size.QuadPart) + L" bytes; it was not read");
+        findings.Add("CFG05", strFile, std::to_wstring(file.Bytes()) + L" bytes; it was not read");
         return false;
     }
-    strBytes.resize(static_cast<size_t>(size.QuadPart));
-    DWORD cbRead = 0;
-    if (!ReadFile(file.Get(), strBytes.data(), static_cast<DWORD>(strBytes.size()), &cbRead, nullptr))
+    std::optional<std::string> strRead = file.Read(static_cast<size_t>(file.Bytes()));
+    if (!strRead)
     {
         findings.Add("CFG02", strFile, FromUtf8(Win32ErrorText("can't read it", GetLastError())));
         return false;
     }
-    strBytes.resize(cbRead);
+    strBytes = std::move(*strRead);
     return true;
 }
 

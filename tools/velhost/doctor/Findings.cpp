@@ -1,5 +1,7 @@
 #include "tools/velhost/doctor/Findings.h"
 
+#include "tools/velhost/report/Encoding.h"
+
 #include <algorithm>
 #include <stdexcept>
 #include <utility>
@@ -33,6 +35,20 @@ bool Findings::Has(const char* pszCode) const
 {
     const std::vector<std::string> codes = Codes();
     return std::find(codes.begin(), codes.end(), pszCode) != codes.end();
+}
+
+Json Findings::ToJson() const
+{
+    Json list = Json::array();
+    for (const Finding& finding : m_list)
+    {
+        list.push_back({{"code", finding.pKind->pszCode},
+                        {"title", finding.pKind->pszTitle},
+                        {"where", ToUtf8(finding.strWhere)},
+                        {"detail", ToUtf8(finding.strDetail)},
+                        {"cure", finding.pKind->pszCure}});
+    }
+    return list;
 }
 
 std::vector<std::string> Findings::Codes() const

@@ -1,6 +1,8 @@
 #pragma once
 /// What the doctor has seen: what is wrong, what is good, and what it could not look at.
 
+#include "tools/velhost/report/Output.h"
+
 #include <string>
 #include <vector>
 
@@ -50,6 +52,8 @@ public:
     const std::vector<Remark>& UnseenList() const { return m_unseen; }
 
     bool Has(const char* pszCode) const;
+    /// @return the list as JSON: code, title, where, detail and cure of each.
+    Json ToJson() const;
     /// @return the codes of the list in its order, each as often as it was found.
     std::vector<std::string> Codes() const;
 

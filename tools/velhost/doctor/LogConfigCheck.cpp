@@ -181,35 +181,28 @@ std::optional<std::string> ReadLogConfig(const std::wstring& strFile, Findings& 
         findings.Add("LOG01", strFile, L"a folder has its name");
         return std::nullopt;
     }
-    const FileHandle file(strFile, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, OPEN_EXISTING);
-    LARGE_INTEGER size = {};
-    if (!file.IsOpen() || !GetFileSizeEx(file.Get(), &size))
+    const LookedAtFile file(strFile);
+    if (file.IsAbsent())
     {
-        const DWORD dwError = GetLastError();
-        if (dwError == ERROR_FILE_NOT_FOUND || dwError == ERROR_PATH_NOT_FOUND)
-        {
-            findings.Good(kArea, strFile + L" is not there: logging is off, and costs a load and a branch per call");
-        }
-        else
-        {
-            findings.Add("LOG01", strFile, FromUtf8(Win32ErrorText("can't open it", dwError)));
-        }
+        findings.Good(kArea, strFile + L" is not there: logging is off, and costs a load and a branch per call");
         return std::nullopt;
     }
-    if (size.QuadPart == 0 || size.QuadPart > kMostBytes)
+    if (file.Error() != ERROR_SUCCESS)
     {
-        findings.Add(size.QuadPart == 0 ? "LOG03" : "LOG04", strFile, std::to_wstring(size.QuadPart) + L" bytes");
+        findings.Add("LOG01", strFile, FromUtf8(Win32ErrorText("can't open it", file.Error())));
         return std::nullopt;
     }
-    std::string strBytes(static_cast<size_t>(size.QuadPart), '\0');
-    DWORD cbRead = 0;
-    if (!ReadFile(file.Get(), strBytes.data(), static_cast<DWORD>(strBytes.size()), &cbRead, nullptr))
+    if (file.Bytes() == 0 || file.Bytes() > kMostBytes)
+    {
+        findings.Add(file.Bytes() == 0 ? "LOG03" : "LOG04", strFile, std::to_wstring(file.Bytes()) + L" bytes");
+        return std::nullopt;
+    }
+    std::optional<std::string> strBytes = file.Read(static_cast<size_t>(file.Bytes()));
+    if (!strBytes)
     {
         findings.Add("LOG01", strFile, FromUtf8(Win32ErrorText("can't read it", GetLastError())));
-        return std::nullopt;
     }
-    strBytes.resize(cbRead);
-    if (strBytes.find('\0') != std::string::npos)
+    else if (strBytes->find('\0') != std::string::npos)
     {
         findings.Add("LOG05", strFile, L"it has bytes of 0, as UTF-16 has");
         return std::nullopt;

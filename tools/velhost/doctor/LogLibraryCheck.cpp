@@ -73,19 +73,6 @@ bool IsPatternGood(const std::string& strPattern)
     }
 }
 
-/// Tells whether a path can be opened, without a change to what is there.
-DWORD OpenError(const std::wstring& strPath, DWORD dwAccess, DWORD dwFlags)
-{
-    const HANDLE hFile = CreateFileW(strPath.c_str(), dwAccess, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                     nullptr, OPEN_EXISTING, dwFlags, nullptr);
-    if (hFile == INVALID_HANDLE_VALUE)
-    {
-        return GetLastError();
-    }
-    CloseHandle(hFile);
-    return ERROR_SUCCESS;
-}
-
 class LogLibraryChecker
 {
 public:
@@ -199,8 +186,7 @@ private:
             return;
         }
         // The file as it is, or else the folder in which it would be made.
-        DWORD dwError =
-            IsFolder(strName) ? ERROR_DIRECTORY : OpenError(strName, FILE_APPEND_DATA, FILE_ATTRIBUTE_NORMAL);
+        DWORD dwError = IsFolder(strName) ? ERROR_DIRECTORY : OpenError(strName, FILE_APPEND_DATA);
         if (dwError == ERROR_FILE_NOT_FOUND)
         {
             dwError = OpenError(strName.substr(0, strName.find_last_of(L"\\/") + 1), FILE_ADD_FILE,

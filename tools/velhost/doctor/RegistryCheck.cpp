@@ -73,21 +73,6 @@ bool IsFullPath(const std::wstring& strPath)
     return bDrive || bShare;
 }
 
-/// Opens a folder with rights and closes it again, which changes nothing in it.
-/// @return the error code of Windows, 0 for success.
-DWORD TryFolder(const std::wstring& strFolder, DWORD dwRights)
-{
-    const HANDLE hFolder =
-        CreateFileW(strFolder.c_str(), dwRights, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-    if (hFolder == INVALID_HANDLE_VALUE)
-    {
-        return GetLastError();
-    }
-    CloseHandle(hFolder);
-    return ERROR_SUCCESS;
-}
-
 /// Looks at the form of a value's text.
 /// @return whether it names a folder that can be looked for.
 bool CheckText(const FolderRow& row, const StoredValue& value, const std::wstring& strWhere, Findings& findings)
@@ -126,7 +111,7 @@ void CheckFolder(const FolderRow& row, const std::wstring& strFolder, const std:
         findings.Add("REG09", strFolder, L"named by " + strWhere);
         return;
     }
-    const DWORD dwError = TryFolder(strFolder, row.dwRights);
+    const DWORD dwError = OpenError(strFolder, row.dwRights, FILE_FLAG_BACKUP_SEMANTICS);
     if (dwError == ERROR_ACCESS_DENIED)
     {
         findings.Add("REG10", strFolder, FromUtf8(row.pszUse));

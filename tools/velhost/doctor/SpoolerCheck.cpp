@@ -3,6 +3,8 @@
 #include "settings/DriverDevmode.h"
 #include "state/CapabilityTable.h"
 #include "support/ProcessUtilities.h"
+#include "tools/velhost/doctor/CapsCheck.h"
+#include "tools/velhost/host/CapsQuery.h"
 #include "tools/velhost/host/Files.h"
 #include "tools/velhost/host/HostModule.h"
 #include "tools/velhost/host/OtherProgram.h"
@@ -23,14 +25,6 @@ constexpr char kArea[] = "spooler";
 
 /// Milliseconds in which a printer has to tell all its capabilities.
 constexpr DWORD kPatience = 30000;
-
-/// Lists of a printer that belong together, entry by entry.
-constexpr const char* kTwins[][2] = {
-    {"DC_PAPERS", "DC_PAPERSIZE"},
-    {"DC_PAPERS", "DC_PAPERNAMES"},
-    {"DC_BINS", "DC_BINNAMES"},
-    {"DC_MEDIATYPES", "DC_MEDIATYPENAMES"},
-};
 
 /// The module's entry points.
 constexpr const char* kExports[] = {"DllMain",
@@ -206,13 +200,19 @@ void CheckAnswers(const std::wstring& strWhere, std::map<std::string, CapsLook> 
     {
         findings.Add("SPL11", strWhere, L"");
     }
-    for (const auto& [pszFirst, pszSecond] : kTwins)
+    const auto counted = [&answers](const std::string& strName) {
+        return FromUtf8(strName) + L" " + std::to_wstring(answers[strName].dwCount);
+    };
+    for (const std::vector<WORD>& group : ListGroups())
     {
-        if (answers[pszFirst].dwCount != answers[pszSecond].dwCount)
+        const std::string strFirst = FindCapsCode(group[0]).pszName;
+        for (size_t ui = 1; ui < group.size(); ++ui)
         {
-            findings.Add("SPL12", strWhere,
-                         FromUtf8(pszFirst) + L" " + std::to_wstring(answers[pszFirst].dwCount) + L", " +
-                             FromUtf8(pszSecond) + L" " + std::to_wstring(answers[pszSecond].dwCount));
+            const std::string strOther = FindCapsCode(group[ui]).pszName;
+            if (answers[strFirst].dwCount != answers[strOther].dwCount)
+            {
+                findings.Add("SPL12", strWhere, counted(strFirst) + L", " + counted(strOther));
+            }
         }
     }
 }

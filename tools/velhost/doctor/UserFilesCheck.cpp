@@ -1,6 +1,7 @@
 #include "tools/velhost/doctor/UserFilesCheck.h"
 
 #include "settings/DriverDevmode.h"
+#include "state/DataFiles.h"
 #include "state/StorePaths.h"
 #include "tools/velhost/host/Files.h"
 #include "tools/velhost/report/CommandError.h"
@@ -50,13 +51,11 @@ struct UserFile
     std::vector<NumberKey> numbers;
 };
 
-constexpr wchar_t kDevModeFile[] = L"DevMode.dat";
-
 const std::vector<UserFile>& UserFiles()
 {
     static const std::vector<UserFile> s_files = {
         // Its length has kinds of its own.
-        {kDevModeFile, Place::Personal, MAXLONGLONG, nullptr, {}},
+        {VelUtility::kDevModeFile, Place::Personal, MAXLONGLONG, nullptr, {}},
         {L"defsetting.ini", Place::Personal, kMegabyte, L"PrintSetting", {{L"DefaultNoWaterPrint", 0, 1}}},
         {L"server.ini", Place::Personal, kMegabyte, L"Server", {{L"IPAddress", 0, kMost32}, {L"Mode", 0, 1}}},
         {L"passport.dat", Place::Personal, kMegabyte, nullptr, {}},
@@ -86,31 +85,6 @@ std::wstring PathOf(const UserFile& file, const std::wstring& strUser)
     return szPath;
 }
 
-/// A file's length and first bytes.
-struct FileLook
-{
-    DWORD dwError = ERROR_SUCCESS; ///< of Windows, when it can't be read
-    LONGLONG llBytes = 0;
-    std::vector<BYTE> head;
-};
-
-FileLook LookAt(const std::wstring& strPath)
-{
-    FileLook look;
-    const FileHandle file(strPath, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, OPEN_EXISTING);
-    LARGE_INTEGER size = {};
-    look.head.resize(kHeadBytes);
-    DWORD cbRead = 0;
-    if (!file.IsOpen() || !GetFileSizeEx(file.Get(), &size) ||
-        !ReadFile(file.Get(), look.head.data(), kHeadBytes, &cbRead, nullptr))
-    {
-        look.dwError = GetLastError();
-    }
-    look.llBytes = size.QuadPart;
-    look.head.resize(cbRead);
-    return look;
-}
-
 /// @return why no program may write the file, 0 when one may. Opens it and changes nothing.
 DWORD WriteError(const std::wstring& strPath)
 {
@@ -118,21 +92,19 @@ DWORD WriteError(const std::wstring& strPath)
     {
         return ERROR_ACCESS_DENIED;
     }
-    const FileHandle file(strPath, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                          OPEN_EXISTING);
-    return file.IsOpen() ? ERROR_SUCCESS : GetLastError();
+    return OpenError(strPath, GENERIC_WRITE);
 }
 
-void CheckRecord(const std::wstring& strPath, const FileLook& look, Findings& findings)
+void CheckRecord(const std::wstring& strPath, LONGLONG llBytes, const std::string& strHead, Findings& findings)
 {
-    if (look.llBytes != kDevmodeSize)
+    if (llBytes != kDevmodeSize)
     {
-        findings.Add(look.llBytes < kDevmodeSize ? "USR01" : "USR02", strPath,
-                     std::to_wstring(look.llBytes) + L" bytes; a record has " + std::to_wstring(kDevmodeSize));
+        findings.Add(llBytes < kDevmodeSize ? "USR01" : "USR02", strPath,
+                     std::to_wstring(llBytes) + L" bytes; a record has " + std::to_wstring(kDevmodeSize));
         return;
     }
     DEVMODEW record = {};
-    std::copy(look.head.begin(), look.head.end(), reinterpret_cast<BYTE*>(&record));
+    std::copy(strHead.begin(), strHead.end(), reinterpret_cast<char*>(&record));
     if (record.dmSize != kDevmodeSize || record.dmDriverExtra != kDriverExtra)
     {
         findings.Add("USR03", strPath,
@@ -142,24 +114,22 @@ void CheckRecord(const std::wstring& strPath, const FileLook& look, Findings& fi
 }
 
 /// @return what is wrong with the form in which an ini file is written; empty when Windows reads it.
-std::wstring EncodingFault(const std::vector<BYTE>& head)
+std::wstring EncodingFault(const std::string& strHead)
 {
-    const auto startsWith = [&head](const std::vector<BYTE>& mark) {
-        return head.size() >= mark.size() && std::equal(mark.begin(), mark.end(), head.begin());
-    };
-    if (startsWith({0xFF, 0xFE}))
+    const auto startsWith = [&strHead](const char* pszMark) { return strHead.rfind(pszMark, 0) == 0; };
+    if (startsWith("\xFF\xFE"))
     {
         return std::wstring();
     }
-    if (startsWith({0xEF, 0xBB, 0xBF}))
+    if (startsWith("\xEF\xBB\xBF"))
     {
         return L"UTF-8 with a mark: Windows takes the mark for a part of the first line";
     }
-    if (startsWith({0xFE, 0xFF}))
+    if (startsWith("\xFE\xFF"))
     {
         return L"UTF-16 with the bytes the other way round";
     }
-    const bool bZero = std::find(head.begin(), head.end(), BYTE{0}) != head.end();
+    const bool bZero = strHead.find('\0') != std::string::npos;
     return bZero ? L"bytes of 0: UTF-16 without a mark, or no text at all" : std::wstring();
 }
 
@@ -185,10 +155,13 @@ void CheckNumber(const UserFile& file, const NumberKey& key, const std::wstring&
 /// Looks at a file that is there.
 void CheckUserFile(const UserFile& file, const std::wstring& strPath, Findings& findings)
 {
-    const FileLook look = LookAt(strPath);
-    if (look.dwError != ERROR_SUCCESS)
+    const LookedAtFile look(strPath);
+    const std::optional<std::string> strHead =
+        look.Error() == ERROR_SUCCESS ? look.Read(kHeadBytes) : std::optional<std::string>();
+    if (!strHead)
     {
-        findings.Add("USR04", strPath, FromUtf8(Win32ErrorText("opened to read", look.dwError)));
+        const DWORD dwError = look.Error() != ERROR_SUCCESS ? look.Error() : GetLastError();
+        findings.Add("USR04", strPath, FromUtf8(Win32ErrorText("opened to read", dwError)));
         return;
     }
     const size_t faultCount = findings.List().size();
@@ -196,19 +169,19 @@ void CheckUserFile(const UserFile& file, const std::wstring& strPath, Findings& 
     {
         findings.Add("USR06", strPath, FromUtf8(Win32ErrorText("opened to write", dwError)));
     }
-    if (look.llBytes > file.llMostBytes)
+    if (look.Bytes() > file.llMostBytes)
     {
         findings.Add("USR09", strPath,
-                     std::to_wstring(look.llBytes) + L" bytes; more than " + std::to_wstring(file.llMostBytes));
+                     std::to_wstring(look.Bytes()) + L" bytes; more than " + std::to_wstring(file.llMostBytes));
         return;
     }
-    if (file.pszName == kDevModeFile)
+    if (file.pszName == VelUtility::kDevModeFile)
     {
-        CheckRecord(strPath, look, findings);
+        CheckRecord(strPath, look.Bytes(), *strHead, findings);
     }
     else if (file.pszSection != nullptr)
     {
-        if (const std::wstring strFault = EncodingFault(look.head); !strFault.empty())
+        if (const std::wstring strFault = EncodingFault(*strHead); !strFault.empty())
         {
             findings.Add("USR07", strPath, strFault);
             return;

@@ -99,8 +99,9 @@ bool DeleteFolderTree(const std::wstring& strFolder)
     return !IsFolder(strFolder);
 }
 
-FileHandle::FileHandle(const std::wstring& strPath, DWORD dwAccess, DWORD dwShare, DWORD dwCreation) noexcept
-    : m_hFile(CreateFileW(strPath.c_str(), dwAccess, dwShare, nullptr, dwCreation, FILE_ATTRIBUTE_NORMAL, nullptr))
+FileHandle::FileHandle(const std::wstring& strPath, DWORD dwAccess, DWORD dwShare, DWORD dwCreation,
+                       DWORD dwFlags) noexcept
+    : m_hFile(CreateFileW(strPath.c_str(), dwAccess, dwShare, nullptr, dwCreation, dwFlags, nullptr))
 {}
 
 FileHandle::~FileHandle()
@@ -109,6 +110,35 @@ FileHandle::~FileHandle()
     {
         CloseHandle(m_hFile);
     }
+}
+
+DWORD OpenError(const std::wstring& strPath, DWORD dwAccess, DWORD dwFlags) noexcept
+{
+    const FileHandle file(strPath, dwAccess, kShareAll, OPEN_EXISTING, dwFlags);
+    return file.IsOpen() ? ERROR_SUCCESS : GetLastError();
+}
+
+LookedAtFile::LookedAtFile(const std::wstring& strPath) noexcept
+    : m_file(strPath, GENERIC_READ, kShareAll, OPEN_EXISTING)
+{
+    LARGE_INTEGER size = {};
+    if (!m_file.IsOpen() || !GetFileSizeEx(m_file.Get(), &size))
+    {
+        m_dwError = GetLastError();
+    }
+    m_llBytes = size.QuadPart;
+}
+
+std::optional<std::string> LookedAtFile::Read(size_t cbMost) const
+{
+    std::string strBytes(cbMost, '\0');
+    DWORD cbRead = 0;
+    if (!ReadFile(m_file.Get(), strBytes.data(), static_cast<DWORD>(cbMost), &cbRead, nullptr))
+    {
+        return std::nullopt;
+    }
+    strBytes.resize(cbRead);
+    return strBytes;
 }
 
 std::vector<BYTE> ReadBinaryFile(const std::wstring& strPath)

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -38,10 +39,12 @@ bool DeleteFolderTree(const std::wstring& strFolder);
 class FileHandle
 {
 public:
-    /// @param dwAccess   GENERIC_ bits.
+    /// @param dwAccess   the rights, as for CreateFileW.
     /// @param dwShare    FILE_SHARE_ bits: what others may do with it meanwhile.
     /// @param dwCreation as for CreateFileW.
-    FileHandle(const std::wstring& strPath, DWORD dwAccess, DWORD dwShare, DWORD dwCreation) noexcept;
+    /// @param dwFlags    the same; FILE_FLAG_BACKUP_SEMANTICS opens a folder.
+    FileHandle(const std::wstring& strPath, DWORD dwAccess, DWORD dwShare, DWORD dwCreation,
+               DWORD dwFlags = FILE_ATTRIBUTE_NORMAL) noexcept;
     ~FileHandle();
     FileHandle(const FileHandle&) = delete;
     FileHandle& operator=(const FileHandle&) = delete;
@@ -52,6 +55,33 @@ public:
 
 private:
     HANDLE m_hFile;
+};
+
+/// Whoever only looks at a file keeps nobody from it.
+inline constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+/// Opens a file or folder that is there with rights, and closes it again, which changes nothing in it.
+/// @return the error code of Windows, 0 for success.
+DWORD OpenError(const std::wstring& strPath, DWORD dwAccess, DWORD dwFlags = FILE_ATTRIBUTE_NORMAL) noexcept;
+
+/// A file that is only looked at.
+class LookedAtFile
+{
+public:
+    explicit LookedAtFile(const std::wstring& strPath) noexcept;
+
+    /// @return why it can't be opened, 0 when it is open.
+    DWORD Error() const noexcept { return m_dwError; }
+    /// @return whether it can't be opened because there is none.
+    bool IsAbsent() const noexcept { return m_dwError == ERROR_FILE_NOT_FOUND || m_dwError == ERROR_PATH_NOT_FOUND; }
+    LONGLONG Bytes() const noexcept { return m_llBytes; }
+    /// @return its first bytes, so many at most; nothing, and the last error, when they can't be read.
+    std::optional<std::string> Read(size_t cbMost) const;
+
+private:
+    FileHandle m_file;
+    DWORD m_dwError = ERROR_SUCCESS;
+    LONGLONG m_llBytes = 0;
 };
 
 /// @return all bytes of a file. Throws CommandError when it can't be read or is larger than 16 MB.

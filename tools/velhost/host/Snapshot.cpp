@@ -11,13 +11,6 @@ namespace VelHost
 namespace
 {
 
-/// A name as it is compared with others of its list.
-std::wstring Folded(std::wstring strName)
-{
-    CharLowerBuffW(strName.data(), static_cast<DWORD>(strName.size()));
-    return strName;
-}
-
 /// The beginning of a name, of so many wide characters at most; no pair of two is cut, and no blank stands at the end.
 std::wstring Beginning(std::wstring strName, size_t uiMost)
 {
@@ -33,7 +26,7 @@ std::wstring Beginning(std::wstring strName, size_t uiMost)
 std::wstring FixedName(const std::wstring& strName, size_t uiMost, const std::set<std::wstring>& taken)
 {
     std::wstring strFixed = Beginning(strName, uiMost);
-    for (int i = 2; taken.count(Folded(strFixed)) != 0; ++i)
+    for (int i = 2; taken.count(FoldedName(strFixed)) != 0; ++i)
     {
         const std::wstring strMark = L"~" + std::to_wstring(i);
         strFixed = Beginning(strName, uiMost - strMark.size()) + strMark;
@@ -64,7 +57,7 @@ struct NameFixer
         {
             if (name(i).size() <= uiMost)
             {
-                taken.insert(Folded(name(i)));
+                taken.insert(FoldedName(name(i)));
             }
         }
         for (DWORD i = 0; i < dwCount; ++i)
@@ -75,7 +68,7 @@ struct NameFixer
                 continue;
             }
             const std::wstring strNew = FixedName(strOld, uiMost, taken);
-            taken.insert(Folded(strNew));
+            taken.insert(FoldedName(strNew));
             wchar_t* const pszEntry = pszNames + i * uiWidth;
             std::fill_n(pszEntry, uiWidth, L'\0');
             strNew.copy(pszEntry, uiMost);
@@ -85,6 +78,12 @@ struct NameFixer
 };
 
 } // namespace
+
+std::wstring FoldedName(std::wstring strName)
+{
+    CharLowerBuffW(strName.data(), static_cast<DWORD>(strName.size()));
+    return strName;
+}
 
 std::wstring ReadBack(std::wstring strName)
 {

@@ -21,6 +21,9 @@ struct NameFix
     std::wstring strNew;
 };
 
+/// @return a name as it is compared with others of its list: whatever the case of the letters.
+std::wstring FoldedName(std::wstring strName);
+
 /// A printer's capabilities with the lists that they point to.
 class Snapshot
 {

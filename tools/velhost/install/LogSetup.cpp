@@ -85,7 +85,6 @@ GrowingFile::GrowingFile(std::wstring strPath) : m_strPath(std::move(strPath)) {
 std::string GrowingFile::ReadNew()
 {
     // Whoever writes the log may go on, and put it aside.
-    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     const FileHandle file(m_strPath, GENERIC_READ, kShareAll, OPEN_EXISTING);
     BY_HANDLE_FILE_INFORMATION info = {};
     if (!file.IsOpen() || !GetFileInformationByHandle(file.Get(), &info))

@@ -14,9 +14,6 @@ namespace
 
 constexpr char kPrintersChoice[] = "the printer's choice";
 
-/// The number of the papers whose size the user types.
-constexpr short kCustomPaper = DMPAPER_USER;
-
 /// The public fields of a record, as far as it has them.
 DEVMODEW PublicPart(const std::vector<BYTE>& record)
 {
@@ -50,7 +47,7 @@ std::string Named(const std::string& strName, short sNumber)
 
 std::string PaperText(const DEVMODEW& fields, const AskCaps& ask)
 {
-    if ((fields.dmFields & DM_PAPERSIZE) != 0 && fields.dmPaperSize != kCustomPaper)
+    if ((fields.dmFields & DM_PAPERSIZE) != 0 && fields.dmPaperSize != DMPAPER_USER)
     {
         const std::string strName = NameOfNumber(ask, DC_PAPERS, DC_PAPERNAMES, fields.dmPaperSize);
         const std::string strSize = NameOfNumber(ask, DC_PAPERS, DC_PAPERSIZE, fields.dmPaperSize);
