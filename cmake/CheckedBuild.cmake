@@ -27,6 +27,7 @@ add_library(velui_core_checked STATIC ${sources})
 get_target_property(libraries velui_core INTERFACE_LINK_LIBRARIES)
 list(FILTER libraries EXCLUDE REGEX LINK_ONLY)
 target_link_libraries(velui_core_checked PRIVATE velui_checks PUBLIC ${libraries})
+target_precompile_headers(velui_core_checked PRIVATE ${velui_precompiled})
 
 add_library(VelUI_checked SHARED driver/VelUI.rc driver/VelUI.def $<TARGET_OBJECTS:velui_runtime>)
 set_target_properties(VelUI_checked PROPERTIES

@@ -68,15 +68,13 @@ InstallFixture::~InstallFixture()
 CommandEnd InstallFixture::Run(const std::vector<std::string>& arguments)
 {
     int iExitCode = kExitGood;
-    CLI::App program("", "velhost");
+    ProgramSyntax program("");
     AddCommands(program, iExitCode);
-    // It wants them last first.
-    std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
     try
     {
-        program.parse(reversed);
+        program.Run(arguments);
     }
-    catch (const CLI::ParseError& error)
+    catch (const UsageError& error)
     {
         return {kExitUsage, error.what()};
     }

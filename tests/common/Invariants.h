@@ -1,14 +1,8 @@
 #pragma once
 /// What a call of the module must leave as it was, checked around every call that a test makes through BuiltModule.
 
-#include "tests/common/Handles.h"
-
 #include <windows.h>
 
-#include <catch2/catch_test_macros.hpp>
-
-#include <clocale>
-#include <objbase.h>
 #include <string>
 
 /// The state of the process and the thread that no entry point may change. What one does change, because it has to, is
@@ -17,13 +11,7 @@
 /// fiber-local index that the module takes with its first C++ exception and gives back when it is unloaded.
 struct CallerState
 {
-    CallerState()
-        : strFolder(CurrentFolder()), uiErrorMode(GetErrorMode()),
-          iThreadPriority(GetThreadPriority(GetCurrentThread())),
-          dwProcessPriority(GetPriorityClass(GetCurrentProcess())), dwThreadLocale(GetThreadLocale()),
-          strLocale(std::setlocale(LC_ALL, nullptr)), wX87(X87Control()), uiSse(__builtin_ia32_stmxcsr() & ~kSseFlags),
-          bImpersonates(Impersonates()), dwTlsIndex(NextTlsIndex()), lApartment(Apartment()), uiHandle(NextHandle())
-    {}
+    CallerState();
 
     std::wstring strFolder;
     UINT uiErrorMode;
@@ -37,63 +25,10 @@ struct CallerState
     DWORD dwTlsIndex; ///< the one that a new thread-local place gets
     LONG lApartment;  ///< the thread's COM state
     size_t uiHandle;  ///< the number that a new handle gets; a mutex that stays open has one too
-
-private:
-    static constexpr unsigned kSseFlags = 0x3F;
-
-    static std::wstring CurrentFolder()
-    {
-        wchar_t szFolder[MAX_PATH] = {};
-        GetCurrentDirectoryW(MAX_PATH, szFolder);
-        return szFolder;
-    }
-    static WORD X87Control()
-    {
-        WORD wControl = 0;
-        __asm__ volatile("fnstcw %0" : "=m"(wControl));
-        return wControl;
-    }
-    static DWORD NextTlsIndex()
-    {
-        const DWORD dwIndex = TlsAlloc();
-        TlsFree(dwIndex);
-        return dwIndex;
-    }
-    /// The apartment's type, or -1 without COM.
-    static LONG Apartment()
-    {
-        APTTYPE type = APTTYPE_CURRENT;
-        APTTYPEQUALIFIER qualifier = APTTYPEQUALIFIER_NONE;
-        return CoGetApartmentType(&type, &qualifier) == S_OK ? static_cast<LONG>(type) : -1;
-    }
-    static bool Impersonates()
-    {
-        HANDLE hToken = nullptr;
-        const bool bToken = OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &hToken) != FALSE;
-        if (bToken)
-        {
-            CloseHandle(hToken);
-        }
-        return bToken;
-    }
 };
 
 /// @param bHandles whether handles count: not around a first call, with which Windows opens what it keeps.
-inline void CheckUnchanged(const CallerState& before, const CallerState& after, bool bHandles)
-{
-    CHECK(after.strFolder == before.strFolder);
-    CHECK(after.uiErrorMode == before.uiErrorMode);
-    CHECK(after.iThreadPriority == before.iThreadPriority);
-    CHECK(after.dwProcessPriority == before.dwProcessPriority);
-    CHECK(after.dwThreadLocale == before.dwThreadLocale);
-    CHECK(after.strLocale == before.strLocale);
-    CHECK(after.wX87 == before.wX87);
-    CHECK(after.uiSse == before.uiSse);
-    CHECK(after.bImpersonates == before.bImpersonates);
-    CHECK(after.dwTlsIndex == before.dwTlsIndex);
-    CHECK(after.lApartment == before.lApartment);
-    CHECK((!bHandles || after.uiHandle == before.uiHandle));
-}
+void CheckUnchanged(const CallerState& before, const CallerState& after, bool bHandles);
 
 /// An entry point that is called with these checks on the test's own thread. Converts to the bare function for whoever
 /// calls it elsewhere.

@@ -2,6 +2,7 @@
 
 #include "tests/common/BuiltModule.h"
 #include "tests/common/ClientFixture.h"
+#include "tests/common/Handles.h"
 #include "tests/common/HeapUse.h"
 #include "tests/common/ModuleLedger.h"
 #include "tests/driver/SheetCalls.h"

@@ -2,6 +2,7 @@
 /// Failing functions while everything is logged, beside the same without a log.
 
 #include "diag/LogRules.h"
+#include "tests/common/Handles.h"
 #include "tests/diag/LoggingOn.h"
 #include "tests/faults/FaultFixture.h"
 

@@ -6,6 +6,7 @@
 #include "diag/OutputSwitches.h"
 #include "driver/Module.h"
 #include "driver/ResidentClient.h"
+#include "tests/common/Handles.h"
 #include "tests/faults/LoggedFaultFixture.h"
 
 #include <log4cpp/Category.hh>

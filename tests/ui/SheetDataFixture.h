@@ -25,21 +25,7 @@ struct Paper
 using CapKeys = std::vector<std::pair<std::wstring, std::wstring>>;
 
 /// The keys of a list of papers, followed by others.
-inline CapKeys PaperKeys(const std::vector<Paper>& papers, const CapKeys& others = {})
-{
-    const std::wstring strCount = std::to_wstring(papers.size());
-    CapKeys keys = {{L"PapersCount", strCount}, {L"PaperNamesCount", strCount}, {L"PaperSizeCount", strCount}};
-    for (size_t i = 0; i < papers.size(); ++i)
-    {
-        const std::wstring strIndex = std::to_wstring(i);
-        keys.emplace_back(L"PaperNames" + strIndex, papers[i].strName);
-        keys.emplace_back(L"Papers" + strIndex, std::to_wstring(papers[i].iNumber));
-        keys.emplace_back(L"PaperSizeX" + strIndex, std::to_wstring(papers[i].iX));
-        keys.emplace_back(L"PaperSizeY" + strIndex, std::to_wstring(papers[i].iY));
-    }
-    keys.insert(keys.end(), others.begin(), others.end());
-    return keys;
-}
+CapKeys PaperKeys(const std::vector<Paper>& papers, const CapKeys& others = {});
 
 /// Papers that most tests use.
 inline const std::vector<Paper> kPapers = {
@@ -49,21 +35,7 @@ inline const std::vector<Paper> kPapers = {
 inline const CapKeys kAbleKeys = {{L"Orientation", L"90"}, {L"ColorDevice", L"1"}, {L"Duplex", L"1"}};
 
 /// The driver's record for one-sided monochrome A4, upright.
-inline stuDrvDevmode PlainRecord()
-{
-    stuDrvDevmode record = {};
-    record.stuDevmode.dmSpecVersion = 0x401;
-    record.stuDevmode.dmDriverVersion = 0x500;
-    record.stuDevmode.dmSize = 220;
-    record.stuDevmode.dmDriverExtra = 12;
-    record.stuDevmode.dmFields = 0x9903;
-    record.stuDevmode.dmOrientation = 1;
-    record.stuDevmode.dmPaperSize = 9;
-    record.stuDevmode.dmCopies = 3;
-    record.stuDevmode.dmColor = 1;
-    record.stuDevmode.dmDuplex = 1;
-    return record;
-}
+stuDrvDevmode PlainRecord();
 
 /// A call of the sheet library's function by a page.
 struct LibraryCall
@@ -76,25 +48,10 @@ struct LibraryCall
 
 struct SheetDataFixture : ClientFixture
 {
-    SheetDataFixture()
-    {
-        data.pdmIn = &in;
-        data.pdmOut = &out;
-        data.pfnComPropSheet = &SheetDataFixture::OnLibraryCall;
-        data.hComPropSheet = this;
-        data.hSetPage = 0x5E7;
-        data.hSeniorPage = 0x5E1;
-        data.bPassResult = 1;
-    }
+    SheetDataFixture();
 
     /// Writes a snapshot and builds the list from it, as the sheet does.
-    void UsePapers(const std::vector<Paper>& papers, const CapKeys& others = kAbleKeys)
-    {
-        WriteCaps(PaperKeys(papers, others));
-        list.assign(GetPaperInfoList(nullptr) + size_t{1}, stuPaperInfo{});
-        data.pstuPaperInfo = list.data();
-        data.dwCount = GetPaperInfoList(list.data()) + 1;
-    }
+    void UsePapers(const std::vector<Paper>& papers, const CapKeys& others = kAbleKeys);
 
     std::wstring DevModeFile() const { return folder.File(L"QPS@VEL_DevMode.dat"); }
     std::wstring DefSettingFile() const { return folder.File(L"QPS@VEL_defsetting.ini"); }
@@ -109,11 +66,5 @@ struct SheetDataFixture : ClientFixture
     std::function<void()> onCall = [] {}; ///< what is to be looked at while a page calls the library
 
 private:
-    static LONG_PTR CALLBACK OnLibraryCall(HANDLE hComPropSheet, UINT uiFunction, LPARAM lParam1, LPARAM lParam2)
-    {
-        auto* const pThis = static_cast<SheetDataFixture*>(hComPropSheet);
-        pThis->calls.push_back({hComPropSheet, uiFunction, lParam1, lParam2});
-        pThis->onCall();
-        return 1;
-    }
+    static LONG_PTR CALLBACK OnLibraryCall(HANDLE hComPropSheet, UINT uiFunction, LPARAM lParam1, LPARAM lParam2);
 };

@@ -191,16 +191,15 @@ size_t TakePrinted(const void* pv, size_t uiSize, size_t uiCount, FILE*)
 }
 
 /// Runs velhost's snapshot command in this process. @return what it printed.
-std::string RunSnapshotCommand(std::vector<std::string> arguments)
+std::string RunSnapshotCommand(const std::vector<std::string>& arguments)
 {
     int iExitCode = -1;
-    CLI::App program("test");
+    ProgramSyntax program("test");
     AddSnapshotCommand(program, iExitCode);
-    std::reverse(arguments.begin(), arguments.end()); // as the library takes a vector
     s_strPrinted.clear();
     const ImportHook caps(nullptr, "DeviceCapabilitiesW", &AskNamedPrinterByName);
     const ImportHook print(nullptr, "fwrite", &TakePrinted);
-    program.parse(arguments);
+    program.Run(arguments);
     CHECK(iExitCode == kExitGood);
     return s_strPrinted;
 }

@@ -11,20 +11,19 @@
 #include <exception>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace
 {
 
-/// @return the process's arguments in UTF-8, the program's name first.
+/// @return the process's arguments in UTF-8, without the program's name.
 std::vector<std::string> CommandLineUtf8()
 {
     int iCount = 0;
     const std::unique_ptr<LPWSTR, decltype(&LocalFree)> pArguments(CommandLineToArgvW(GetCommandLineW(), &iCount),
                                                                    &LocalFree);
     std::vector<std::string> arguments;
-    for (int i = 0; pArguments && i < iCount; ++i)
+    for (int i = 1; pArguments && i < iCount; ++i)
     {
         arguments.push_back(VelHost::ToUtf8(pArguments.get()[i]));
     }
@@ -60,36 +59,24 @@ void TakeRegistryView()
     RegCloseKey(hKey);
 }
 
-int Run(std::vector<std::string> arguments)
+int Run(const std::vector<std::string>& arguments)
 {
     int iExitCode = VelHost::kExitGood;
-    CLI::App program("Installs a printer whose interface module is VelUI, and calls the module as the spooler and\n"
-                     "applications do.",
-                     "velhost");
-    program.require_subcommand(1);
-    // A path may begin with '/'.
-    program.allow_windows_style_options(false);
+    VelHost::ProgramSyntax program(
+        "Installs a printer whose interface module is VelUI, and calls the module as the spooler and\n"
+        "applications do.");
+    program.NeedCommand();
     VelHost::AddCommands(program, iExitCode);
-
-    std::vector<char*> argv;
-    for (std::string& strArgument : arguments)
-    {
-        argv.push_back(strArgument.data());
-    }
     try
     {
-        program.parse(static_cast<int>(argv.size()), argv.data());
-    }
-    catch (const CLI::ParseError& error)
-    {
-        if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success))
+        if (!program.Run(arguments))
         {
-            VelHost::Print(program.help());
-            return VelHost::kExitGood;
+            VelHost::Print(program.Help());
         }
-        const bool bUnknown = program.get_subcommands().empty() && arguments.size() > 1 && arguments[1][0] != '-';
-        const std::string strWhat = bUnknown ? "there is no command \"" + arguments[1] + "\"" : OneLine(error.what());
-        VelHost::PrintError(strWhat + " (velhost --help tells more)");
+    }
+    catch (const VelHost::UsageError& error)
+    {
+        VelHost::PrintError(OneLine(error.what()) + " (velhost --help tells more)");
         return VelHost::kExitUsage;
     }
     return iExitCode;

@@ -66,21 +66,24 @@ int RunCaps(const CapsOptions& options)
 
 } // namespace
 
-void AddCapsCommand(CLI::App& program, int& iExitCode)
+void AddCapsCommand(CommandSyntax& program, int& iExitCode)
 {
-    CLI::App* const pCommand = program.add_subcommand(
+    CommandSyntax command = program.AddCommand(
         "caps", "Asks every device capability, codes 0 to 36, and prints the answers with their entries.\n"
                 "A list is asked for its count and then with exact, guarded room for its entries.");
     const auto pOptions = std::make_shared<CapsOptions>();
-    CLI::Option* const pSpooler =
-        pCommand->add_flag("--spooler", "Ask the platform's spooler through DeviceCapabilitiesW (this is the default)");
-    pCommand->add_option("--module", pOptions->strModule, "Load this module and ask its DrvDeviceCapabilities")
-        ->type_name("PATH")
-        ->excludes(pSpooler)
-        ->each([pOptions](const std::string&) { pOptions->bModule = true; });
-    AddPrinterOption(*pCommand, pOptions->strPrinter);
-    AddJsonFlag(*pCommand, pOptions->bJson);
-    pCommand->callback([pOptions, &iExitCode] { iExitCode = RunCaps(*pOptions); });
+    const OptionSyntax spooler =
+        command.AddFlag("--spooler", "Ask the platform's spooler through DeviceCapabilitiesW (this is the default)");
+    const OptionSyntax module =
+        command.AddOption("--module", pOptions->strModule, "Load this module and ask its DrvDeviceCapabilities")
+            .Type("PATH")
+            .Excludes(spooler);
+    AddPrinterOption(command, pOptions->strPrinter);
+    AddJsonFlag(command, pOptions->bJson);
+    command.OnRun([pOptions, module, &iExitCode] {
+        pOptions->bModule = module.IsGiven();
+        iExitCode = RunCaps(*pOptions);
+    });
 }
 
 } // namespace VelHost

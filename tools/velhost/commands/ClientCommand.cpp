@@ -43,13 +43,13 @@ int RunClient(bool bJson)
 
 } // namespace
 
-void AddClientCommand(CLI::App& program, int& iExitCode)
+void AddClientCommand(CommandSyntax& program, int& iExitCode)
 {
-    CLI::App* const pCommand = program.add_subcommand(
+    CommandSyntax command = program.AddCommand(
         "client", "Shows what the launcher of the resident client finds, and what it would start. Starts nothing.");
     const auto pJson = std::make_shared<bool>(false);
-    AddJsonFlag(*pCommand, *pJson);
-    pCommand->callback([pJson, &iExitCode] { iExitCode = RunClient(*pJson); });
+    AddJsonFlag(command, *pJson);
+    command.OnRun([pJson, &iExitCode] { iExitCode = RunClient(*pJson); });
 }
 
 } // namespace VelHost

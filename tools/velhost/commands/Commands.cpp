@@ -3,7 +3,7 @@
 namespace VelHost
 {
 
-void AddCommands(CLI::App& program, int& iExitCode)
+void AddCommands(CommandSyntax& program, int& iExitCode)
 {
     AddInstallCommand(program, iExitCode);
     AddUninstallCommand(program, iExitCode);
@@ -23,26 +23,25 @@ void AddCommands(CLI::App& program, int& iExitCode)
     AddDoctorCommand(program, iExitCode);
 }
 
-CLI::Option* AddModuleOption(CLI::App& command, std::string& strModule)
+OptionSyntax AddModuleOption(CommandSyntax& command, std::string& strModule)
 {
-    return command.add_option("--module", strModule, "The module; VelUI.dll beside this program by default")
-        ->type_name("PATH");
+    return command.AddOption("--module", strModule, "The module; VelUI.dll beside this program by default")
+        .Type("PATH");
 }
 
-CLI::Option* AddPrinterOption(CLI::App& command, std::string& strPrinter)
+OptionSyntax AddPrinterOption(CommandSyntax& command, std::string& strPrinter)
 {
-    return command.add_option("--printer", strPrinter, "The printer")->type_name("NAME")->capture_default_str();
+    return command.AddOption("--printer", strPrinter, "The printer").Type("NAME").ShowDefault();
 }
 
-CLI::Option* AddUserOption(CLI::App& command, std::string& strUser)
+OptionSyntax AddUserOption(CommandSyntax& command, std::string& strUser)
 {
-    return command.add_option("--user", strUser, "Whose message files; the current user's by default")
-        ->type_name("NAME");
+    return command.AddOption("--user", strUser, "Whose message files; the current user's by default").Type("NAME");
 }
 
-CLI::Option* AddJsonFlag(CLI::App& command, bool& bJson, const char* pszText)
+OptionSyntax AddJsonFlag(CommandSyntax& command, bool& bJson, const char* pszText)
 {
-    return command.add_flag("--json", bJson, pszText);
+    return command.AddFlag("--json", bJson, pszText);
 }
 
 } // namespace VelHost

@@ -2,7 +2,7 @@
 /// The program's commands, each in a file of its name. A function adds one command with its options to the program;
 /// when the command is chosen it runs and stores its exit code. A command that can't do its work throws CommandError.
 
-#include <CLI/CLI.hpp>
+#include "tools/velhost/commands/Syntax.h"
 
 #include <string>
 
@@ -24,32 +24,32 @@ enum ExitCode : int
 
 /// Adds all commands, in the order in which help lists them.
 /// @param iExitCode outlives the program object; written when a command has run.
-void AddCommands(CLI::App& program, int& iExitCode);
+void AddCommands(CommandSyntax& program, int& iExitCode);
 
-void AddInstallCommand(CLI::App& program, int& iExitCode);
-void AddUninstallCommand(CLI::App& program, int& iExitCode);
-void AddCapsCommand(CLI::App& program, int& iExitCode);
-void AddSplCapsCommand(CLI::App& program, int& iExitCode);
-void AddConvertCommand(CLI::App& program, int& iExitCode);
-void AddSnapshotCommand(CLI::App& program, int& iExitCode);
-void AddEventCommand(CLI::App& program, int& iExitCode);
-void AddClientCommand(CLI::App& program, int& iExitCode);
-void AddMachineCommand(CLI::App& program, int& iExitCode);
-void AddSettingsCommand(CLI::App& program, int& iExitCode);
-void AddSetCommand(CLI::App& program, int& iExitCode);
-void AddDevmodeCommand(CLI::App& program, int& iExitCode);
-void AddSheetCommand(CLI::App& program, int& iExitCode);
-void AddPrintCommand(CLI::App& program, int& iExitCode);
-void AddLogCommand(CLI::App& program, int& iExitCode);
-void AddDoctorCommand(CLI::App& program, int& iExitCode);
+void AddInstallCommand(CommandSyntax& program, int& iExitCode);
+void AddUninstallCommand(CommandSyntax& program, int& iExitCode);
+void AddCapsCommand(CommandSyntax& program, int& iExitCode);
+void AddSplCapsCommand(CommandSyntax& program, int& iExitCode);
+void AddConvertCommand(CommandSyntax& program, int& iExitCode);
+void AddSnapshotCommand(CommandSyntax& program, int& iExitCode);
+void AddEventCommand(CommandSyntax& program, int& iExitCode);
+void AddClientCommand(CommandSyntax& program, int& iExitCode);
+void AddMachineCommand(CommandSyntax& program, int& iExitCode);
+void AddSettingsCommand(CommandSyntax& program, int& iExitCode);
+void AddSetCommand(CommandSyntax& program, int& iExitCode);
+void AddDevmodeCommand(CommandSyntax& program, int& iExitCode);
+void AddSheetCommand(CommandSyntax& program, int& iExitCode);
+void AddPrintCommand(CommandSyntax& program, int& iExitCode);
+void AddLogCommand(CommandSyntax& program, int& iExitCode);
+void AddDoctorCommand(CommandSyntax& program, int& iExitCode);
 
 /// Adds what several commands have: --module, which ModulePath understands.
-CLI::Option* AddModuleOption(CLI::App& command, std::string& strModule);
+OptionSyntax AddModuleOption(CommandSyntax& command, std::string& strModule);
 /// Adds --printer, with what the text says as its default.
-CLI::Option* AddPrinterOption(CLI::App& command, std::string& strPrinter);
+OptionSyntax AddPrinterOption(CommandSyntax& command, std::string& strPrinter);
 /// Adds --user, whose message files a command works with.
-CLI::Option* AddUserOption(CLI::App& command, std::string& strUser);
+OptionSyntax AddUserOption(CommandSyntax& command, std::string& strUser);
 /// Adds --json.
-CLI::Option* AddJsonFlag(CLI::App& command, bool& bJson, const char* pszText = "Print JSON instead of a table");
+OptionSyntax AddJsonFlag(CommandSyntax& command, bool& bJson, const char* pszText = "Print JSON instead of a table");
 
 } // namespace VelHost

@@ -144,7 +144,7 @@ int RunConvert(const ConvertOptions& options)
 {
     if (!options.strSave.empty() && options.strOut.empty() && !options.wOutSize && !options.wOutExtra)
     {
-        throw CLI::ValidationError("--save", "there is no output record: give --out, or --out-size and --out-extra");
+        throw UsageError("--save: there is no output record: give --out, or --out-size and --out-extra");
     }
     const std::vector<BYTE> in = options.strIn.empty() ? std::vector<BYTE>() : ReadRecord(options.strIn);
     const std::vector<BYTE> out = OutputRecord(options);
@@ -165,46 +165,45 @@ int RunConvert(const ConvertOptions& options)
 
 } // namespace
 
-void AddConvertCommand(CLI::App& program, int& iExitCode)
+void AddConvertCommand(CommandSyntax& program, int& iExitCode)
 {
     constexpr LONG kMostNeeded = 16 * 1024 * 1024;
-    CLI::App* const pCommand = program.add_subcommand(
+    CommandSyntax command = program.AddCommand(
         "convert", "Calls the module's DrvConvertDevMode with records from files, and prints what it did.\n"
                    "Exit code 1 when it returns 0.");
     const auto pOptions = std::make_shared<ConvertOptions>();
-    AddModuleOption(*pCommand, pOptions->strModule);
-    CLI::Option* const pMode = pCommand
-                                   ->add_option("--mode", pOptions->dwMode,
-                                                "1 converts, 2 converts to the oldest form, 4 asks for the default")
-                                   ->type_name("N");
-    CLI::Option* const pDefault = pCommand->add_flag("--default", "Ask for the current user's default record, whole");
-    pDefault->excludes(pMode);
-    pCommand->add_option("--in", pOptions->strIn, "The input record; a null pointer without one")->type_name("FILE");
-    CLI::Option* const pOut =
-        pCommand->add_option("--out", pOptions->strOut, "The output record as it is before the call")
-            ->type_name("FILE");
-    pCommand->add_option("--out-size", pOptions->wOutSize, "Make an output record of zeros with this dmSize")
-        ->type_name("BYTES")
-        ->excludes(pOut);
-    pCommand->add_option("--out-extra", pOptions->wOutExtra, "... and with this dmDriverExtra")
-        ->type_name("BYTES")
-        ->excludes(pOut);
-    pCommand
-        ->add_option("--room", pOptions->lNeeded,
-                     "*pcbNeeded before the call; by default the size that the output record declares")
-        ->type_name("BYTES")
-        ->check(CLI::Range(-kMostNeeded, kMostNeeded));
-    pCommand->add_option("--save", pOptions->strSave, "Write the output record here")->type_name("FILE");
-    AddPrinterOption(*pCommand, pOptions->strPrinter);
-    AddJsonFlag(*pCommand, pOptions->bJson, "Print JSON instead of tables");
-    pCommand->callback([pOptions, pMode, pDefault, &iExitCode] {
-        if (pDefault->count() != 0)
+    AddModuleOption(command, pOptions->strModule);
+    const OptionSyntax mode =
+        command
+            .AddOption("--mode", pOptions->dwMode, "1 converts, 2 converts to the oldest form, 4 asks for the default")
+            .Type("N");
+    const OptionSyntax whole = command.AddFlag("--default", "Ask for the current user's default record, whole");
+    whole.Excludes(mode);
+    command.AddOption("--in", pOptions->strIn, "The input record; a null pointer without one").Type("FILE");
+    const OptionSyntax out =
+        command.AddOption("--out", pOptions->strOut, "The output record as it is before the call").Type("FILE");
+    command.AddOption("--out-size", pOptions->wOutSize, "Make an output record of zeros with this dmSize")
+        .Type("BYTES")
+        .Excludes(out);
+    command.AddOption("--out-extra", pOptions->wOutExtra, "... and with this dmDriverExtra")
+        .Type("BYTES")
+        .Excludes(out);
+    command
+        .AddOption("--room", pOptions->lNeeded,
+                   "*pcbNeeded before the call; by default the size that the output record declares")
+        .Type("BYTES")
+        .Range(-kMostNeeded, kMostNeeded);
+    command.AddOption("--save", pOptions->strSave, "Write the output record here").Type("FILE");
+    AddPrinterOption(command, pOptions->strPrinter);
+    AddJsonFlag(command, pOptions->bJson, "Print JSON instead of tables");
+    command.OnRun([pOptions, mode, whole, &iExitCode] {
+        if (whole.IsGiven())
         {
             UseDefaultMode(*pOptions);
         }
-        else if (pMode->count() == 0)
+        else if (!mode.IsGiven())
         {
-            throw CLI::RequiredError("--mode or --default");
+            throw UsageError("--mode or --default is required");
         }
         iExitCode = RunConvert(*pOptions);
     });

@@ -69,22 +69,22 @@ int RunDevmode(const DevmodeOptions& options)
 
 } // namespace
 
-void AddDevmodeCommand(CLI::App& program, int& iExitCode)
+void AddDevmodeCommand(CommandSyntax& program, int& iExitCode)
 {
-    CLI::App* const pCommand = program.add_subcommand(
+    CommandSyntax command = program.AddCommand(
         "devmode", "Decodes a device-mode record: a file, or the current user's stored one; or forgets that.");
     const auto pOptions = std::make_shared<DevmodeOptions>();
-    CLI::Option* const pFile = pCommand->add_option("FILE", pOptions->strFile, "The record's bytes");
-    CLI::Option* const pStored =
-        pCommand->add_flag("--stored", "The current user's DevMode.dat (without a file the default)");
-    pStored->excludes(pFile);
-    pCommand
-        ->add_flag("--forget", pOptions->bForget,
-                   "Delete the current user's DevMode.dat: what the sheet's OK has stored is forgotten")
-        ->excludes(pFile)
-        ->excludes(pStored);
-    AddJsonFlag(*pCommand, pOptions->bJson);
-    pCommand->callback([pOptions, &iExitCode] { iExitCode = RunDevmode(*pOptions); });
+    const OptionSyntax file = command.AddOption("FILE", pOptions->strFile, "The record's bytes");
+    const OptionSyntax stored =
+        command.AddFlag("--stored", "The current user's DevMode.dat (without a file the default)");
+    stored.Excludes(file);
+    command
+        .AddFlag("--forget", pOptions->bForget,
+                 "Delete the current user's DevMode.dat: what the sheet's OK has stored is forgotten")
+        .Excludes(file)
+        .Excludes(stored);
+    AddJsonFlag(command, pOptions->bJson);
+    command.OnRun([pOptions, &iExitCode] { iExitCode = RunDevmode(*pOptions); });
 }
 
 } // namespace VelHost

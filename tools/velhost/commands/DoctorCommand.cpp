@@ -115,15 +115,7 @@ Json RemarksToJson(const std::vector<Remark>& remarks)
 void PrintAsJson(const Findings& findings)
 {
     Json value;
-    value["findings"] = Json::array();
-    for (const Finding& finding : findings.List())
-    {
-        value["findings"].push_back({{"code", finding.pKind->pszCode},
-                                     {"title", finding.pKind->pszTitle},
-                                     {"where", ToUtf8(finding.strWhere)},
-                                     {"detail", ToUtf8(finding.strDetail)},
-                                     {"cure", finding.pKind->pszCure}});
-    }
+    value["findings"] = findings.ToJson();
     value["unseen"] = RemarksToJson(findings.UnseenList());
     value["good"] = RemarksToJson(findings.GoodList());
     PrintJson(value);
@@ -192,22 +184,22 @@ int RunDoctor(const DoctorOptions& options)
 
 } // namespace
 
-void AddDoctorCommand(CLI::App& program, int& iExitCode)
+void AddDoctorCommand(CommandSyntax& program, int& iExitCode)
 {
-    CLI::App* const pCommand = program.add_subcommand(
+    CommandSyntax command = program.AddCommand(
         "doctor", "Looks at an installation, changes nothing, and tells what is good, what is wrong, and what to do.\n"
                   "Exit code 0: all is good; 1: there are findings; 2: none, but not all could be looked at.");
     const auto pOptions = std::make_shared<DoctorOptions>();
-    AddModuleOption(*pCommand, pOptions->strModule);
-    pCommand
-        ->add_option("--printer", pOptions->strPrinter,
-                     "A printer that has to be there; all that use the module are looked at in any case")
-        ->type_name("NAME");
-    AddUserOption(*pCommand, pOptions->strUser);
-    pCommand->add_flag("--without-client", pOptions->bWithoutClient,
-                       "Do not look for the client's programs, on a machine that has none");
-    AddJsonFlag(*pCommand, pOptions->bJson, "Print JSON instead of text");
-    pCommand->callback([pOptions, &iExitCode] { iExitCode = RunDoctor(*pOptions); });
+    AddModuleOption(command, pOptions->strModule);
+    command
+        .AddOption("--printer", pOptions->strPrinter,
+                   "A printer that has to be there; all that use the module are looked at in any case")
+        .Type("NAME");
+    AddUserOption(command, pOptions->strUser);
+    command.AddFlag("--without-client", pOptions->bWithoutClient,
+                    "Do not look for the client's programs, on a machine that has none");
+    AddJsonFlag(command, pOptions->bJson, "Print JSON instead of text");
+    command.OnRun([pOptions, &iExitCode] { iExitCode = RunDoctor(*pOptions); });
 }
 
 } // namespace VelHost

@@ -48,23 +48,23 @@ int RunEvent(const EventOptions& options)
 
 } // namespace
 
-void AddEventCommand(CLI::App& program, int& iExitCode)
+void AddEventCommand(CommandSyntax& program, int& iExitCode)
 {
     std::string strNames;
     for (const auto& entry : kEventNames)
     {
         strNames += (strNames.empty() ? "" : ", ") + entry.first;
     }
-    CLI::App* const pCommand = program.add_subcommand("event", "Calls the module's DrvPrinterEvent once.");
+    CommandSyntax command = program.AddCommand("event", "Calls the module's DrvPrinterEvent once.");
     const auto pOptions = std::make_shared<EventOptions>();
-    pCommand->add_option("NAME", pOptions->iEvent, "The event, by number or as one of " + strNames)
-        ->required()
-        ->transform(CLI::Transformer(kEventNames, CLI::ignore_case));
-    AddModuleOption(*pCommand, pOptions->strModule);
-    AddPrinterOption(*pCommand, pOptions->strPrinter);
-    pCommand->add_option("--flags", pOptions->dwFlags, "The event's flags; 1 forbids windows")->type_name("N");
-    AddJsonFlag(*pCommand, pOptions->bJson);
-    pCommand->callback([pOptions, &iExitCode] { iExitCode = RunEvent(*pOptions); });
+    command.AddOption("NAME", pOptions->iEvent, "The event, by number or as one of " + strNames)
+        .Required()
+        .Names(kEventNames);
+    AddModuleOption(command, pOptions->strModule);
+    AddPrinterOption(command, pOptions->strPrinter);
+    command.AddOption("--flags", pOptions->dwFlags, "The event's flags; 1 forbids windows").Type("N");
+    AddJsonFlag(command, pOptions->bJson);
+    command.OnRun([pOptions, &iExitCode] { iExitCode = RunEvent(*pOptions); });
 }
 
 } // namespace VelHost

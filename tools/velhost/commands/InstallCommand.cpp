@@ -287,33 +287,32 @@ int RunInstall(const InstallOptions& options)
 
 } // namespace
 
-void AddInstallCommand(CLI::App& program, int& iExitCode)
+void AddInstallCommand(CommandSyntax& program, int& iExitCode)
 {
-    CLI::App* const pCommand = program.add_subcommand(
+    CommandSyntax command = program.AddCommand(
         "install", "Registers a printer driver with the module as its user-interface half, adds a printer with it,\n"
                    "makes the client's folders with their registry values, and copies a sample snapshot. May be run\n"
                    "again.");
     const auto pOptions = std::make_shared<InstallOptions>();
-    AddModuleOption(*pCommand, pOptions->strModule);
-    pCommand->add_option("--root", pOptions->strRoot, "The client's folder, which gets Data, Temp and Log")
-        ->type_name("DIR")
-        ->capture_default_str();
-    AddPrinterOption(*pCommand, pOptions->strPrinter);
-    pCommand->add_option("--port", pOptions->strPort, "The printer's port")->type_name("PORT")->capture_default_str();
-    pCommand
-        ->add_option("--sample", pOptions->strSample,
-                     "The snapshot to copy; sample\\Config.ini beside this program by default")
-        ->type_name("FILE");
-    pCommand
-        ->add_option("--driver", pOptions->strDriver,
-                     "What renders the pages, with --data; Wine's PostScript driver by default")
-        ->type_name("FILE");
-    pCommand->add_option("--data", pOptions->strData, "Its data file; sample\\VelPrinter.ppd by default")
-        ->type_name("FILE");
-    pCommand->add_flag("--force", pOptions->bForce, "Overwrite a snapshot, and a log configuration, that is there");
-    pCommand->add_flag("--logging", pOptions->bLogging, "Install the sample log configuration: every call is logged");
-    AddJsonFlag(*pCommand, pOptions->bJson);
-    pCommand->callback([pOptions, &iExitCode] { iExitCode = RunInstall(*pOptions); });
+    AddModuleOption(command, pOptions->strModule);
+    command.AddOption("--root", pOptions->strRoot, "The client's folder, which gets Data, Temp and Log")
+        .Type("DIR")
+        .ShowDefault();
+    AddPrinterOption(command, pOptions->strPrinter);
+    command.AddOption("--port", pOptions->strPort, "The printer's port").Type("PORT").ShowDefault();
+    command
+        .AddOption("--sample", pOptions->strSample,
+                   "The snapshot to copy; sample\\Config.ini beside this program by default")
+        .Type("FILE");
+    command
+        .AddOption("--driver", pOptions->strDriver,
+                   "What renders the pages, with --data; Wine's PostScript driver by default")
+        .Type("FILE");
+    command.AddOption("--data", pOptions->strData, "Its data file; sample\\VelPrinter.ppd by default").Type("FILE");
+    command.AddFlag("--force", pOptions->bForce, "Overwrite a snapshot, and a log configuration, that is there");
+    command.AddFlag("--logging", pOptions->bLogging, "Install the sample log configuration: every call is logged");
+    AddJsonFlag(command, pOptions->bJson);
+    command.OnRun([pOptions, &iExitCode] { iExitCode = RunInstall(*pOptions); });
 }
 
 } // namespace VelHost

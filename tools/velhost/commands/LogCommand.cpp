@@ -122,24 +122,22 @@ int RunTail(const TailOptions& options)
 
 } // namespace
 
-void AddLogCommand(CLI::App& program, int& iExitCode)
+void AddLogCommand(CommandSyntax& program, int& iExitCode)
 {
-    CLI::App* const pCommand =
-        program.add_subcommand("log", "Switches the module's logging for the client, and follows the log.");
-    pCommand->require_subcommand(1);
-    pCommand
-        ->add_subcommand("on", "Puts LogConfig.conf in the client's folder: the one that \"off\" put aside, or the\n"
-                               "sample. A process reads it when it loads the module.")
-        ->callback([&iExitCode] { iExitCode = RunOn(); });
-    pCommand->add_subcommand("off", "Puts LogConfig.conf aside.")->callback([&iExitCode] { iExitCode = RunOff(); });
-    CLI::App* const pTail = pCommand->add_subcommand(
-        "tail", "Prints the log's last lines, and those that come, until it is ended (Ctrl+C).");
+    CommandSyntax command =
+        program.AddCommand("log", "Switches the module's logging for the client, and follows the log.");
+    command.NeedCommand();
+    command
+        .AddCommand("on", "Puts LogConfig.conf in the client's folder: the one that \"off\" put aside, or the\n"
+                          "sample. A process reads it when it loads the module.")
+        .OnRun([&iExitCode] { iExitCode = RunOn(); });
+    command.AddCommand("off", "Puts LogConfig.conf aside.").OnRun([&iExitCode] { iExitCode = RunOff(); });
+    CommandSyntax tail =
+        command.AddCommand("tail", "Prints the log's last lines, and those that come, until it is ended (Ctrl+C).");
     const auto pOptions = std::make_shared<TailOptions>();
-    pTail->add_option("--lines", pOptions->uiLines, "How many lines to begin with")
-        ->type_name("N")
-        ->capture_default_str();
-    pTail->add_flag("--once", pOptions->bOnce, "Print the last lines and end");
-    pTail->callback([pOptions, &iExitCode] { iExitCode = RunTail(*pOptions); });
+    tail.AddOption("--lines", pOptions->uiLines, "How many lines to begin with").Type("N").ShowDefault();
+    tail.AddFlag("--once", pOptions->bOnce, "Print the last lines and end");
+    tail.OnRun([pOptions, &iExitCode] { iExitCode = RunTail(*pOptions); });
 }
 
 } // namespace VelHost

@@ -40,13 +40,12 @@ int RunMachine(bool bJson)
 
 } // namespace
 
-void AddMachineCommand(CLI::App& program, int& iExitCode)
+void AddMachineCommand(CommandSyntax& program, int& iExitCode)
 {
-    CLI::App* const pCommand =
-        program.add_subcommand("machine", "Shows the machine's name, address and hardware address.");
+    CommandSyntax command = program.AddCommand("machine", "Shows the machine's name, address and hardware address.");
     const auto pJson = std::make_shared<bool>(false);
-    AddJsonFlag(*pCommand, *pJson);
-    pCommand->callback([pJson, &iExitCode] { iExitCode = RunMachine(*pJson); });
+    AddJsonFlag(command, *pJson);
+    command.OnRun([pJson, &iExitCode] { iExitCode = RunMachine(*pJson); });
 }
 
 } // namespace VelHost

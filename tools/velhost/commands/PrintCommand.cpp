@@ -188,19 +188,19 @@ int RunPrint(const PrintOptions& options)
 
 } // namespace
 
-void AddPrintCommand(CLI::App& program, int& iExitCode)
+void AddPrintCommand(CommandSyntax& program, int& iExitCode)
 {
-    CLI::App* const pCommand = program.add_subcommand(
+    CommandSyntax command = program.AddCommand(
         "print", "Prints a test page with the user's default settings, as an application does: the settings in words,\n"
                  "a frame at the printable edge, a grid in centimetres.");
     const auto pOptions = std::make_shared<PrintOptions>();
-    AddPrinterOption(*pCommand, pOptions->strPrinter);
-    pCommand
-        ->add_option("--to", pOptions->strTo,
-                     "Print into this file, which is overwritten; to the printer's port by default")
-        ->type_name("FILE");
-    AddJsonFlag(*pCommand, pOptions->bJson);
-    pCommand->callback([pOptions, &iExitCode] { iExitCode = RunPrint(*pOptions); });
+    AddPrinterOption(command, pOptions->strPrinter);
+    command
+        .AddOption("--to", pOptions->strTo,
+                   "Print into this file, which is overwritten; to the printer's port by default")
+        .Type("FILE");
+    AddJsonFlag(command, pOptions->bJson);
+    command.OnRun([pOptions, &iExitCode] { iExitCode = RunPrint(*pOptions); });
 }
 
 } // namespace VelHost

@@ -23,8 +23,7 @@ int RunSet(const SetOptions& options)
     const StoreKey* const pKey = FindStoreKey(options.strKey);
     if (pKey == nullptr || pKey->pfnWrite == nullptr)
     {
-        throw CLI::ValidationError("KEY",
-                                   "no writer for \"" + options.strKey + "\"; velhost set --help lists the keys");
+        throw UsageError("KEY: no writer for \"" + options.strKey + "\"; velhost set --help lists the keys");
     }
     bool bWritten = false;
     try
@@ -33,8 +32,8 @@ int RunSet(const SetOptions& options)
     }
     catch (const std::logic_error&) // another form, or a number out of its range
     {
-        throw CLI::ValidationError("VALUE", std::string(pKey->pszKey) + " takes " + pKey->pszForm + ", not \"" +
-                                                options.strValue + "\"");
+        throw UsageError("VALUE: " + std::string(pKey->pszKey) + " takes " + pKey->pszForm + ", not \"" +
+                         options.strValue + "\"");
     }
     if (!bWritten)
     {
@@ -46,7 +45,7 @@ int RunSet(const SetOptions& options)
 
 } // namespace
 
-void AddSetCommand(CLI::App& program, int& iExitCode)
+void AddSetCommand(CommandSyntax& program, int& iExitCode)
 {
     std::string strKeys;
     for (const StoreKey& key : StoreKeys())
@@ -56,13 +55,13 @@ void AddSetCommand(CLI::App& program, int& iExitCode)
             strKeys += std::string("\n  ") + key.pszKey + " (" + key.pszForm + "), in " + key.pszFile;
         }
     }
-    CLI::App* const pCommand =
-        program.add_subcommand("set", "Sets one value of the client's or the user's store.")->footer("Keys:" + strKeys);
+    CommandSyntax command = program.AddCommand("set", "Sets one value of the client's or the user's store.");
+    command.SetFooter("Keys:" + strKeys);
     const auto pOptions = std::make_shared<SetOptions>();
-    pCommand->add_option("KEY", pOptions->strKey, "The value's key, in any case")->required();
-    pCommand->add_option("VALUE", pOptions->strValue, "The value")->required();
-    AddUserOption(*pCommand, pOptions->strUser);
-    pCommand->callback([pOptions, &iExitCode] { iExitCode = RunSet(*pOptions); });
+    command.AddOption("KEY", pOptions->strKey, "The value's key, in any case").Required();
+    command.AddOption("VALUE", pOptions->strValue, "The value").Required();
+    AddUserOption(command, pOptions->strUser);
+    command.OnRun([pOptions, &iExitCode] { iExitCode = RunSet(*pOptions); });
 }
 
 } // namespace VelHost

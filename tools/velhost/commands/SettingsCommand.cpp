@@ -111,14 +111,14 @@ int RunSettings(const SettingsOptions& options)
 
 } // namespace
 
-void AddSettingsCommand(CLI::App& program, int& iExitCode)
+void AddSettingsCommand(CommandSyntax& program, int& iExitCode)
 {
-    CLI::App* const pCommand = program.add_subcommand(
+    CommandSyntax command = program.AddCommand(
         "settings", "Shows every store file of the current user and the machine: where it lies and what it says.");
     const auto pOptions = std::make_shared<SettingsOptions>();
-    AddUserOption(*pCommand, pOptions->strUser);
-    AddJsonFlag(*pCommand, pOptions->bJson, "Print JSON instead of tables");
-    pCommand->callback([pOptions, &iExitCode] { iExitCode = RunSettings(*pOptions); });
+    AddUserOption(command, pOptions->strUser);
+    AddJsonFlag(command, pOptions->bJson, "Print JSON instead of tables");
+    command.OnRun([pOptions, &iExitCode] { iExitCode = RunSettings(*pOptions); });
 }
 
 } // namespace VelHost

@@ -234,48 +234,45 @@ namespace
 {
 
 /// What to choose on the document sheet's first page before it is closed.
-void AddChoices(CLI::App& command, SheetChoices& choices)
+void AddChoices(CommandSyntax& command, SheetChoices& choices)
 {
-    command.add_option("--paper", choices.strPaper, "Choose this paper, by its name in the list")->type_name("NAME");
-    command.add_option("--orientation", choices.strOrientation, "Choose portrait or landscape")
-        ->type_name("WORD")
-        ->check(CLI::IsMember({"portrait", "landscape"}));
-    command.add_option("--colour", choices.strColour, "Choose mono or colour")
-        ->type_name("WORD")
-        ->check(CLI::IsMember({"mono", "colour"}));
-    command.add_option("--sides", choices.strSides, "Choose one side, or both, bound at the long or the short edge")
-        ->type_name("WORD")
-        ->check(CLI::IsMember({"one", "long", "short"}));
+    command.AddOption("--paper", choices.strPaper, "Choose this paper, by its name in the list").Type("NAME");
+    command.AddOption("--orientation", choices.strOrientation, "Choose portrait or landscape")
+        .Type("WORD")
+        .OneOf({"portrait", "landscape"});
+    command.AddOption("--colour", choices.strColour, "Choose mono or colour").Type("WORD").OneOf({"mono", "colour"});
+    command.AddOption("--sides", choices.strSides, "Choose one side, or both, bound at the long or the short edge")
+        .Type("WORD")
+        .OneOf({"one", "long", "short"});
 }
 
 } // namespace
 
-void AddSheetCommand(CLI::App& program, int& iExitCode)
+void AddSheetCommand(CommandSyntax& program, int& iExitCode)
 {
-    CLI::App* const pCommand = program.add_subcommand(
+    CommandSyntax command = program.AddCommand(
         "sheet", "Shows the module's document or device sheet, as the platform's sheet library does, and prints the\n"
                  "record before and after. Exit code 1 when no sheet could be shown.");
     const auto pOptions = std::make_shared<SheetOptions>();
-    pCommand->add_option("KIND", pOptions->strKind, "Which sheet: document or device")
-        ->required()
-        ->check(CLI::IsMember({"document", "device"}));
-    CLI::Option* const pModule = AddModuleOption(*pCommand, pOptions->strModule);
-    pCommand->add_flag("--spooler", pOptions->bSpooler, "Let the platform's spooler show the installed printer's sheet")
-        ->excludes(pModule);
-    AddPrinterOption(*pCommand, pOptions->strPrinter);
-    pCommand->add_option("--in", pOptions->strIn, "The document's record; the user's default one without it")
-        ->type_name("FILE");
-    pCommand->add_option("--save", pOptions->strSave, "Write the record that comes out here")->type_name("FILE");
-    pCommand
-        ->add_option("--pictures", pOptions->strPictures,
-                     "Save a picture of each page in this folder, page1.png and so on, and close the sheet")
-        ->type_name("FOLDER");
-    pCommand->add_option("--press", pOptions->strPress, "Turn to each page once and close the sheet: ok or cancel")
-        ->type_name("BUTTON")
-        ->check(CLI::IsMember({"ok", "cancel"}));
-    AddChoices(*pCommand, pOptions->choices);
-    AddJsonFlag(*pCommand, pOptions->bJson, "Print JSON instead of tables");
-    pCommand->callback([pOptions, &iExitCode] { iExitCode = RunSheet(*pOptions); });
+    command.AddOption("KIND", pOptions->strKind, "Which sheet: document or device")
+        .Required()
+        .OneOf({"document", "device"});
+    const OptionSyntax module = AddModuleOption(command, pOptions->strModule);
+    command.AddFlag("--spooler", pOptions->bSpooler, "Let the platform's spooler show the installed printer's sheet")
+        .Excludes(module);
+    AddPrinterOption(command, pOptions->strPrinter);
+    command.AddOption("--in", pOptions->strIn, "The document's record; the user's default one without it").Type("FILE");
+    command.AddOption("--save", pOptions->strSave, "Write the record that comes out here").Type("FILE");
+    command
+        .AddOption("--pictures", pOptions->strPictures,
+                   "Save a picture of each page in this folder, page1.png and so on, and close the sheet")
+        .Type("FOLDER");
+    command.AddOption("--press", pOptions->strPress, "Turn to each page once and close the sheet: ok or cancel")
+        .Type("BUTTON")
+        .OneOf({"ok", "cancel"});
+    AddChoices(command, pOptions->choices);
+    AddJsonFlag(command, pOptions->bJson, "Print JSON instead of tables");
+    command.OnRun([pOptions, &iExitCode] { iExitCode = RunSheet(*pOptions); });
 }
 
 } // namespace VelHost

@@ -120,15 +120,7 @@ void AddReview(const SnapshotReview& review, Json& value)
     {
         fixes.push_back({{"key", ToUtf8(fix.strKey)}, {"old", ToUtf8(fix.strOld)}, {"new", ToUtf8(fix.strNew)}});
     }
-    Json& findings = value["findings"] = Json::array();
-    for (const Finding& finding : review.findings.List())
-    {
-        findings.push_back({{"code", finding.pKind->pszCode},
-                            {"title", finding.pKind->pszTitle},
-                            {"where", ToUtf8(finding.strWhere)},
-                            {"detail", ToUtf8(finding.strDetail)},
-                            {"cure", finding.pKind->pszCure}});
-    }
+    value["findings"] = review.findings.ToJson();
 }
 
 std::string ReviewText(const SnapshotReview& review)
@@ -191,20 +183,18 @@ int RunSnapshot(const SnapshotOptions& options)
 
 } // namespace
 
-void AddSnapshotCommand(CLI::App& program, int& iExitCode)
+void AddSnapshotCommand(CommandSyntax& program, int& iExitCode)
 {
-    CLI::App* const pCommand = program.add_subcommand(
+    CommandSyntax command = program.AddCommand(
         "snapshot",
         "Takes a printer's name, place and capabilities into the client's Config.ini, in TempDir, prints what was\n"
         "written, and tells which of it the module will refuse to applications, or tell wrongly.");
     const auto pOptions = std::make_shared<SnapshotOptions>();
-    pCommand->add_option("--printer", pOptions->strPrinter, "The installed printer to describe")
-        ->type_name("NAME")
-        ->required();
-    pCommand->add_flag("--fix", pOptions->bFix,
-                       "Shorten the names of the lengths that make the query of their list fail, and tell which");
-    AddJsonFlag(*pCommand, pOptions->bJson);
-    pCommand->callback([pOptions, &iExitCode] { iExitCode = RunSnapshot(*pOptions); });
+    command.AddOption("--printer", pOptions->strPrinter, "The installed printer to describe").Type("NAME").Required();
+    command.AddFlag("--fix", pOptions->bFix,
+                    "Shorten the names of the lengths that make the query of their list fail, and tell which");
+    AddJsonFlag(command, pOptions->bJson);
+    command.OnRun([pOptions, &iExitCode] { iExitCode = RunSnapshot(*pOptions); });
 }
 
 } // namespace VelHost

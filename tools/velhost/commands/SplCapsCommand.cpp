@@ -74,24 +74,23 @@ int RunSplCaps(const SplCapsOptions& options)
 
 } // namespace
 
-void AddSplCapsCommand(CLI::App& program, int& iExitCode)
+void AddSplCapsCommand(CommandSyntax& program, int& iExitCode)
 {
-    CLI::App* const pCommand = program.add_subcommand(
+    CommandSyntax command = program.AddCommand(
         "splcaps", "Calls the module's DrvSplDeviceCaps once. Exit code 1 when the question is refused.");
     const auto pOptions = std::make_shared<SplCapsOptions>();
-    AddModuleOption(*pCommand, pOptions->strModule);
-    pCommand
-        ->add_option("--code", pOptions->wCode, "The capability; 16 (paper names) and 29 (media ready) are answered")
-        ->type_name("N")
-        ->required();
-    pCommand->add_option("--room", pOptions->cchBuffer, "Room for the names, in wide characters")
-        ->type_name("CHARS")
-        ->check(CLI::Range(0, 16 * 1024 * 1024))
-        ->required();
-    pCommand->add_flag("--null", pOptions->bNullBuffer, "Pass no room at all, whatever --room says");
-    AddPrinterOption(*pCommand, pOptions->strPrinter);
-    AddJsonFlag(*pCommand, pOptions->bJson);
-    pCommand->callback([pOptions, &iExitCode] { iExitCode = RunSplCaps(*pOptions); });
+    AddModuleOption(command, pOptions->strModule);
+    command.AddOption("--code", pOptions->wCode, "The capability; 16 (paper names) and 29 (media ready) are answered")
+        .Type("N")
+        .Required();
+    command.AddOption("--room", pOptions->cchBuffer, "Room for the names, in wide characters")
+        .Type("CHARS")
+        .Range(0, 16 * 1024 * 1024)
+        .Required();
+    command.AddFlag("--null", pOptions->bNullBuffer, "Pass no room at all, whatever --room says");
+    AddPrinterOption(command, pOptions->strPrinter);
+    AddJsonFlag(command, pOptions->bJson);
+    command.OnRun([pOptions, &iExitCode] { iExitCode = RunSplCaps(*pOptions); });
 }
 
 } // namespace VelHost

@@ -226,19 +226,19 @@ int RunUninstall(const UninstallOptions& options)
 
 } // namespace
 
-void AddUninstallCommand(CLI::App& program, int& iExitCode)
+void AddUninstallCommand(CommandSyntax& program, int& iExitCode)
 {
-    CLI::App* const pCommand = program.add_subcommand(
+    CommandSyntax command = program.AddCommand(
         "uninstall", "Undoes install: printers, driver, registry values, and the files and folders that install made.\n"
                      "Says what was not there. May be run again.");
     const auto pOptions = std::make_shared<UninstallOptions>();
-    pCommand
-        ->add_option("--printer", pOptions->strPrinter,
-                     "A printer besides those that install added; VelPrinter when it added none")
-        ->type_name("NAME");
-    pCommand->add_flag("--keep-data", pOptions->bKeepData, "Keep the files and folders that install made");
-    AddJsonFlag(*pCommand, pOptions->bJson);
-    pCommand->callback([pOptions, &iExitCode] { iExitCode = RunUninstall(*pOptions); });
+    command
+        .AddOption("--printer", pOptions->strPrinter,
+                   "A printer besides those that install added; VelPrinter when it added none")
+        .Type("NAME");
+    command.AddFlag("--keep-data", pOptions->bKeepData, "Keep the files and folders that install made");
+    AddJsonFlag(command, pOptions->bJson);
+    command.OnRun([pOptions, &iExitCode] { iExitCode = RunUninstall(*pOptions); });
 }
 
 } // namespace VelHost
