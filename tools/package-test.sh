@@ -41,6 +41,9 @@ if [ "${1:-}" != --inside ]; then
     mkdir -p "$work/tools" "$work/build"
     cp tools/wine.sh tools/package_parts/inventory.py tools/package-test.sh "$work/tools/"
     cp -r build/locale "$work/build/"
+    # A prefix in which nothing has run yet; the tests' own are copies of it too.
+    VELUI_WINEPREFIX=$PWD/build/tests/wine-new tools/wine.sh --make
+    cp -a build/tests/wine-new "$work/build/wine"
     cover=()
     if unshare -m true 2>/dev/null; then cover=(unshare -m); else say "nothing can be hidden here; going on beside the source"; fi
     VELUI_SOURCE=$PWD ${cover[@]+"${cover[@]}"} bash "$work/tools/package-test.sh" --inside "$title" "${1:-}" "${cover[@]}"
