@@ -178,8 +178,8 @@ struct LoggedStart : FaultFixture
                         CHECK((bOn || (bReached && dwReason == DLL_PROCESS_ATTACH)));
                         CHECK(loggingDisabled);
                     }
+                    CHECK(NextHandle() == uiHandle); // the end has closed the log file
                     Forget();
-                    CHECK(NextHandle() == uiHandle);
                     iPoints += bReached ? 1 : 0;
                 }
             }
