@@ -21,7 +21,7 @@ mkdir -p build/pictures
 page() {
     local ps=build/pictures/$1.ps turn=()
     velhost print --to "$ps"
-    grep -aq '^%%Orientation: Landscape' "$ps" && turn=(-r270)
+    grep -aqE '^%%(Page)?Orientation: Landscape' "$ps" && turn=(-r270)
     gs -q -dSAFER -dBATCH -dNOPAUSE -sDEVICE=ppmraw -r60 -dTextAlphaBits=4 -dGraphicsAlphaBits=4 -sOutputFile=- "$ps" |
         pamflip "${turn[@]:--null}" | pnmtopng -quiet -compression 9 >"build/pictures/$1.png"
     echo "$PWD/$ps"

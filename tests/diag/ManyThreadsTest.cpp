@@ -6,6 +6,8 @@
 
 #include <catch2/catch_test_macros.hpp>
 
+#include <algorithm>
+#include <cstddef>
 #include <map>
 #include <vector>
 
@@ -103,10 +105,17 @@ TEST_CASE("1,000 threads that logged leave no memory behind", "[diag][threads][o
         }
     };
     runThreads(200); // what the platform keeps for its first threads
-    const size_t cbBefore = HeapInUse();
-    runThreads(1000);
-    const auto cbGrowth = static_cast<ptrdiff_t>(HeapInUse()) - static_cast<ptrdiff_t>(cbBefore);
-    CAPTURE(cbGrowth);
-    CHECK(cbGrowth < 16 * 1024);
+    // Wine 10's heap takes and gives its own stocks at once, some 20,000 bytes of them; what threads leave behind shows
+    // in each round.
+    std::vector<ptrdiff_t> growths;
+    for (int i = 0; i < 5; ++i)
+    {
+        const size_t cbBefore = HeapInUse();
+        runThreads(200);
+        growths.push_back(static_cast<ptrdiff_t>(HeapInUse()) - static_cast<ptrdiff_t>(cbBefore));
+    }
+    std::sort(growths.begin(), growths.end());
+    CAPTURE(growths);
+    CHECK(growths[2] < 200 * 16);
     CHECK(logging.Lines().size() == 1200);
 }

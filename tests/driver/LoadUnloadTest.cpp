@@ -68,6 +68,14 @@ void UseOnce()
     REQUIRE(module.DeviceCapabilities(nullptr, nullptr, DC_COPIES, nullptr, nullptr) == 0xFFFFFFFF);
 }
 
+void UseOften(int iTimes)
+{
+    for (int i = 0; i < iTimes; ++i)
+    {
+        UseOnce();
+    }
+}
+
 /// A client whose Config.ini has a full path that is too long for a lock's name: the folder is relative to a deep
 /// current folder. The lock's constructor then throws and catches, which takes the C++ run-time's thread-local storage
 /// into use.
@@ -92,23 +100,18 @@ private:
 
 } // namespace
 
-TEST_CASE("5,000 loads and unloads leave indexes, modules, handles and memory as before the first",
+TEST_CASE("3,000 loads and unloads leave indexes, modules, handles and memory as before the first",
           "[driver][load][once]")
 {
     const ThrowingClient client;
-    for (int i = 0; i < 100; ++i)
-    {
-        UseOnce(); // what the platform itself keeps after the first loads
-    }
+    UseOften(100); // what the platform itself keeps after the first loads
     const size_t uiTls = FreeTlsIndexes();
     const size_t uiFls = FreeFlsIndexes();
     const size_t uiModules = LoadedModules();
     const size_t uiHandle = NextHandle();
+    UseOften(2000); // Wine 10's heap fills a stock of its own meanwhile
     const size_t cbHeap = HeapInUse();
-    for (int i = 0; i < 5000; ++i)
-    {
-        UseOnce();
-    }
+    UseOften(1000);
     CHECK(GetModuleHandleW(L"VelUI.dll") == nullptr);
     CHECK(FreeTlsIndexes() == uiTls);
     CHECK(FreeFlsIndexes() == uiFls);
@@ -117,28 +120,36 @@ TEST_CASE("5,000 loads and unloads leave indexes, modules, handles and memory as
     // A block lost at each load, of whatever size, would show as more than this; less is the heap's own noise.
     const size_t cbAfter = HeapInUse();
     CAPTURE(cbHeap, cbAfter);
-    CHECK(cbAfter < cbHeap + 5000 * 16);
+    CHECK(cbAfter < cbHeap + 1000 * 16);
 }
 
-TEST_CASE_METHOD(ClientFixture, "200 loads and unloads with a log leave handles and memory as before",
+namespace
+{
+
+/// A client that has the module's log in log.txt.
+class LoggingClient : public ClientFixture
+{
+public:
+    LoggingClient()
+    {
+        const std::string strLog = std::filesystem::path(folder.File(L"log.txt")).string();
+        WriteFileBytes(folder.File(L"LogConfig.conf"), "rootCategory=ERROR\n"
+                                                       "category.VelUI_dll=DEBUG, log\n"
+                                                       "appender.log=FileAppender\n"
+                                                       "appender.log.fileName=" +
+                                                           strLog + "\nappender.log.layout=SimpleLayout\n");
+    }
+};
+
+} // namespace
+
+TEST_CASE_METHOD(LoggingClient, "200 loads and unloads with a log leave handles and memory as before",
                  "[driver][load][once]")
 {
-    const std::string strLog = std::filesystem::path(folder.File(L"log.txt")).string();
-    WriteFileBytes(folder.File(L"LogConfig.conf"), "rootCategory=ERROR\n"
-                                                   "category.VelUI_dll=DEBUG, log\n"
-                                                   "appender.log=FileAppender\n"
-                                                   "appender.log.fileName=" +
-                                                       strLog + "\nappender.log.layout=SimpleLayout\n");
-    for (int i = 0; i < 20; ++i)
-    {
-        UseOnce();
-    }
+    UseOften(20);
     const size_t uiHandle = NextHandle();
     const size_t cbHeap = HeapInUse();
-    for (int i = 0; i < 200; ++i)
-    {
-        UseOnce();
-    }
+    UseOften(200);
     CHECK(ReadFileBytes(folder.File(L"log.txt")).find("DrvDeviceCapabilities was invoked.") != std::string::npos);
     CHECK(NextHandle() == uiHandle);
     const size_t cbAfter = HeapInUse();
@@ -146,15 +157,9 @@ TEST_CASE_METHOD(ClientFixture, "200 loads and unloads with a log leave handles 
     CHECK(cbAfter < cbHeap + 200 * 16);
 }
 
-TEST_CASE_METHOD(ClientFixture, "1,000 loads with a log and no call between leave memory as before",
+TEST_CASE_METHOD(LoggingClient, "1,000 loads with a log and no call between leave memory as before",
                  "[driver][load][once]")
 {
-    const std::string strLog = std::filesystem::path(folder.File(L"log.txt")).string();
-    WriteFileBytes(folder.File(L"LogConfig.conf"), "rootCategory=ERROR\n"
-                                                   "category.VelUI_dll=DEBUG, log\n"
-                                                   "appender.log=FileAppender\n"
-                                                   "appender.log.fileName=" +
-                                                       strLog + "\nappender.log.layout=SimpleLayout\n");
     const auto load = [](int iTimes) {
         for (int i = 0; i < iTimes; ++i)
         {

@@ -10,6 +10,8 @@
 #include <catch2/catch_test_macros.hpp>
 #include <catch2/matchers/catch_matchers_string.hpp>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <regex>
 
@@ -46,6 +48,14 @@ std::vector<std::string> Found(const std::string& strText, const char* pszPatter
         found.push_back((*match)[1]);
     }
     return found;
+}
+
+/// The different ones of texts, in order: Wine 10 states a paper's size in two places.
+std::vector<std::string> Distinct(std::vector<std::string> texts)
+{
+    std::sort(texts.begin(), texts.end());
+    texts.erase(std::unique(texts.begin(), texts.end()), texts.end());
+    return texts;
 }
 
 /// @return whether a page has ink that is neither black nor white nor grey.
@@ -91,8 +101,9 @@ const PageCase kPages[] = {
 /// Checks size and orientation of the one page of a job.
 void CheckPage(const std::string& strJob, const PageCase& page)
 {
-    CHECK(Found(strJob, "/PageSize \\[([0-9 ]+)\\]") == Texts{page.pszSize});
-    CHECK(Found(strJob, "%%Orientation: (\\w+)") == Texts{page.pszOrientation});
+    CHECK(Distinct(Found(strJob, "/PageSize \\[([0-9 ]+)\\]")) == Texts{page.pszSize});
+    // Said of the document with Wine 8, of the page with Wine 10.
+    CHECK(Found(strJob, "%%(?:Page)?Orientation: (\\w+)") == Texts{page.pszOrientation});
     CHECK(Found(strJob, "<<(/Duplex [^>]*)>>") == Texts{page.pszDuplex});
     CHECK(Found(strJob, "%%(EOF)") == Texts{"EOF"});
     CHECK(Found(strJob, "%%Page: (\\d)") == Texts{"1"});
@@ -105,6 +116,24 @@ void CheckPage(const std::string& strJob, const PageCase& page)
     CHECK(std::abs(box[0] - 12) + std::abs(box[1] - 12) == 0);
     CHECK((page.iWidth - 12 - box[2] >= 0 && page.iWidth - 12 - box[2] <= 1));
     CHECK((page.iHeight - 12 - box[3] >= 0 && page.iHeight - 12 - box[3] <= 1));
+}
+
+constexpr double kMargin = 12.0 / 72; // inches, on each side
+constexpr double kAcross = 571.0 / 72, kDown = 818.0 / 72; // the printable part of A4
+
+/// Checks the grid's lines of one direction: one at each whole centimetre from the paper's edge, over the whole
+/// printable part.
+/// @param positions,ends of the lines in dots from the printable part's corner, as the job has them.
+void CheckGrid(const Texts& positions, const Texts& ends, size_t uiLines, double dDots, double dLength)
+{
+    REQUIRE(positions.size() == uiLines);
+    for (size_t ui = 0; ui < uiLines; ++ui)
+    {
+        CHECK(std::stol(positions[ui]) == std::lround((static_cast<double>(ui + 1) / 2.54 - kMargin) * dDots));
+        // The platform's driver cuts the printable part to whole dots, and may take one more.
+        const long nEnd = std::stol(ends[ui]);
+        CHECK((nEnd == std::floor(dLength * dDots) || nEnd == std::ceil(dLength * dDots)));
+    }
 }
 
 } // namespace
@@ -138,19 +167,26 @@ TEST_CASE_METHOD(InstallFixture,
     REQUIRE(Install().iExitCode == 0);
     REQUIRE(Run({"print", "--printer", VelHost::ToUtf8(PrinterName())}).iExitCode == 0);
     const std::string strJob = ReadFileBytes(PortFile());
-    // 600 dots an inch, so 236.22 a centimetre; 12 points, 100 dots, are the margin on each side. A4 has 571 x 818
-    // printable points, 4758.3 x 6816.7 dots.
-    const Texts down = Found(strJob, "\n(\\d+) 0 moveto\n\\1 681[67] lineto");
-    REQUIRE(down.size() == 20);
-    CHECK(Texts(down.begin(), down.begin() + 5) == Texts{"136", "372", "609", "845", "1081"});
-    CHECK(down.back() == "4624");
-    const Texts across = Found(strJob, "\n0 (\\d+) moveto\n475[89] \\1 lineto");
-    REQUIRE(across.size() == 29);
-    CHECK(across.front() == "136");
-    CHECK(across.back() == "6750");
-    // Half a millimetre, 11.8 dots, is the frame's pen: its middle is 5.9 dots from the edge.
-    CHECK(Found(strJob, "\n(6 6) moveto\n4752 6 lineto").size() == 1);
-    CHECK(Found(strJob, "\n(4752 681[01]) moveto\n6 681[01] lineto").size() == 1);
+    // 600 dots an inch with Wine 8, 300 with Wine 10.
+    const Texts resolution = Found(strJob, "\n72 (\\d+) div [^\n]*scale");
+    REQUIRE(resolution.size() == 1);
+    const double dDots = std::stod(resolution[0]);
+    CheckGrid(Found(strJob, "\n(\\d+) 0 moveto\n\\1 \\d{4} lineto"),
+              Found(strJob, "\n(?:\\d+) 0 moveto\n\\d+ (\\d{4}) lineto"), 20, dDots, kDown);
+    CheckGrid(Found(strJob, "\n0 (\\d+) moveto\n\\d{4} \\1 lineto"),
+              Found(strJob, "\n0 \\d+ moveto\n(\\d{4}) \\d+ lineto"), 29, dDots, kAcross);
+    // Half a millimetre is the frame's pen: its middle is half of that from the edge, on each side.
+    const long nPen = std::lround(0.25 / 25.4 * dDots);
+    const Texts corners = Found(strJob, "\n(\\d+ \\d+) moveto\n\\d+ \\d+ lineto");
+    const auto hasCorner = [&](long nX, long nY) {
+        return std::count(corners.begin(), corners.end(), std::to_string(nX) + " " + std::to_string(nY));
+    };
+    const long nRight = static_cast<long>(kAcross * dDots) - nPen;
+    const long nBottom = static_cast<long>(kDown * dDots) - nPen;
+    CHECK(hasCorner(nPen, nPen) == 1);
+    CHECK(hasCorner(nRight, nPen) == 1);
+    CHECK(hasCorner(nRight, nBottom) + hasCorner(nRight, nBottom + 1) == 1);
+    CHECK(hasCorner(nPen, nBottom) + hasCorner(nPen, nBottom + 1) == 1);
 }
 
 TEST_CASE_METHOD(InstallFixture, "print says why it can't: no printer, no file, a port that asks, a record that lies",
