@@ -35,7 +35,6 @@ struct Level
 {
     int iPriority;
     const char* pszWord; ///< behind the thread's number at the head of a message
-    bool bDumpsStack;
     void (*pfnWrite)(const LogTarget& target, const Level& level, const char* pszFormat, va_list arguments);
 };
 
@@ -110,10 +109,12 @@ void WriteLevel(const LogTarget& target, const Level& level, const char* pszForm
     // Required: the composed line is the format, so that it passes through formatting a second time and a percent sign
     // in it is read as a conversion: a line must look the same whichever version of the module has written it.
     target.pCategory->log(level.iPriority, szLine);
-    if (level.bDumpsStack)
-    {
-        DumpCallStack(target.frame, level.iPriority);
-    }
+}
+
+void WriteLevelAndDump(const LogTarget& target, const Level& level, const char* pszFormat, va_list arguments)
+{
+    WriteLevel(target, level, pszFormat, arguments);
+    DumpCallStack(target.frame, level.iPriority);
 }
 
 void WriteFatal(const LogTarget& target, const Level& level, const char* pszFormat, va_list arguments)
@@ -144,13 +145,13 @@ void WriteParam(const LogTarget& target, const Level& level, const char* pszForm
                           message.szText);
 }
 
-constexpr Level kDebug = {kPriorityDebug, "DEBUG", true, &WriteLevel};
-constexpr Level kInfo = {kPriorityInfo, "INFO", false, &WriteLevel};
-constexpr Level kWarning = {kPriorityWarn, "WARNING", false, &WriteLevel};
-constexpr Level kError = {kPriorityError, "ERROR", true, &WriteLevel};
-constexpr Level kFatal = {kPriorityFatal, "FATAL", true, &WriteFatal};
+constexpr Level kDebug = {kPriorityDebug, "DEBUG", &WriteLevelAndDump};
+constexpr Level kInfo = {kPriorityInfo, "INFO", &WriteLevel};
+constexpr Level kWarning = {kPriorityWarn, "WARNING", &WriteLevel};
+constexpr Level kError = {kPriorityError, "ERROR", &WriteLevelAndDump};
+constexpr Level kFatal = {kPriorityFatal, "FATAL", &WriteFatal};
 // At the most urgent priority: the switch decides, not the category's priority.
-constexpr Level kParam = {kPriorityFatal, "Param", false, &WriteParam};
+constexpr Level kParam = {kPriorityFatal, "Param", &WriteParam};
 
 /// What all level functions share: the frame, the filter and the category of the running function in front of the
 /// writing. Nothing is written when the thread has no frame or the configuration no category for it.

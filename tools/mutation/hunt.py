@@ -190,7 +190,7 @@ class Hunter:
             return verdict(KILLED, f"'{failed.case.name}' {failed.why}")
 
     def noticed_by_own_copy(self, mutant):
-        """A header's fault once more, with the tests that name the header compiled anew: where the product's objects
+        """A header's fault once more, with the tests that take the header in compiled anew: where the product's objects
         hold no copy of an inline function, the tests' own copy is what they try."""
         objects = self.shop.tests_that_include(mutant.path)
         sources = {os.path.relpath(path, self.shop.copy) for path in objects.values()}
@@ -198,7 +198,7 @@ class Hunter:
         if not cases:
             return None
         try:
-            self.tell("compiling the tests that name the header")
+            self.tell("compiling the tests that take the header in")
             self.shop.compile(sorted(objects))
             self.shop.link()
         except workshops.NoBuild:

@@ -132,11 +132,16 @@ class Workshop:
                       if OWN.match(target) and target in self.commands and path in needed)
 
     def tests_that_include(self, path):
-        """The tests' objects whose source names a header itself. They may have copies of its inline functions where
-        the product's objects have none."""
-        wanted = f'#include "{path}"'
+        """The tests' objects whose source names a header, or one that names it. They may have copies of its inline
+        functions where the product's objects have none."""
+        def names(file, headers):
+            text = pathlib.Path(file).read_text(encoding="utf-8")
+            return any(f'#include "{header}"' in text for header in headers)
+
+        headers = [path] + [other for other in product_files(self.copy)
+                            if other.endswith(".h") and names(self.copy / other, [path])]
         return {target: words[-1] for target, words in self.commands.items()
-                if TESTS.match(target) and wanted in pathlib.Path(words[-1]).read_text(encoding="utf-8")}
+                if TESTS.match(target) and names(words[-1], headers)}
 
     def compile(self, targets):
         """Compiles objects anew, the clean ones beside them. One alone at first: most that the compiler refuses, it
