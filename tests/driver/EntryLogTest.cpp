@@ -77,6 +77,17 @@ TEST_CASE_METHOD(EntryLogFixture, "a room of 63 characters or a null buffer leav
     CHECK(lines[9] == "WARNING - VelUI(#) : pvOutput = 0x00000000");
 }
 
+TEST_CASE_METHOD(EntryLogFixture, "the work of a query stands between its arguments and its answer", "[driver][log]")
+{
+    DrvDeviceCapabilities(nullptr, nullptr, DC_COPIES, nullptr, nullptr);
+    const Lines lines = Masked(logging);
+    REQUIRE(lines.size() > 10);
+    CHECK(lines[5] == "DEBUG - VelUI(#) : pvOutput = 0x00000000");
+    CHECK(lines[6] == "VelUI_dll__VelUtility::GetComputerCaps :START......");
+    CHECK(lines[lines.size() - 3] == "VelUI_dll__VelUtility::GetComputerCaps :End  ......");
+    CHECK(lines[lines.size() - 2] == "DEBUG - VelUI(#) : dwReturn = 4294967295");
+}
+
 TEST_CASE_METHOD(EntryLogFixture, "DrvSplDeviceCaps logs the code once its arguments have passed", "[driver][log]")
 {
     wchar_t szNames[64] = {};

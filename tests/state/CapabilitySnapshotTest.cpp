@@ -4,6 +4,7 @@
 #include "tests/common/ImportHook.h"
 
 #include <catch2/catch_test_macros.hpp>
+#include <catch2/generators/catch_generators.hpp>
 
 #include <algorithm>
 
@@ -262,12 +263,15 @@ TEST_CASE_METHOD(ClientFixture, "nothing of the snapshot is cached", "[state][ca
 TEST_CASE_METHOD(ClientFixture, "a short name behind a long one has nothing of it behind its terminator",
                  "[state][caps]")
 {
+    // Too long ones are cut to 64 and 24 characters, and fill their places.
+    const auto [uiPaper, uiBin] = GENERATE(table<size_t, size_t>({{61, 21}, {64, 24}, {70, 30}}));
+    CAPTURE(uiPaper, uiBin);
     WriteCaps({{L"PaperNamesCount", L"3"},
-               {L"PaperNames0", std::wstring(61, L'l')},
+               {L"PaperNames0", std::wstring(uiPaper, L'l')},
                {L"PaperNames1", L"A4"},
                {L"PaperNames2", L""},
                {L"BinNamesCount", L"2"},
-               {L"BinNames0", std::wstring(21, L'l')},
+               {L"BinNames0", std::wstring(uiBin, L'l')},
                {L"BinNames1", L"b"}});
     const GuardedBuffer papers(3 * 64 * sizeof(wchar_t), 0xEE);
     CHECK(GetComputerCaps(DC_PAPERNAMES, papers.Get()) == 3);

@@ -131,6 +131,30 @@ TEST_CASE("a thread's variable keeps its place and value when many more come int
     });
 }
 
+TEST_CASE("each of many variables keeps its place and value while a thread's store of them grows", "[support][tls]")
+{
+    constexpr int kCount = 100;
+    static EmittedVariable s_variables[kCount];
+    for (EmittedVariable& variable : s_variables)
+    {
+        variable = {sizeof(int), alignof(int), 0, nullptr};
+    }
+    OnThread([] {
+        int* places[kCount] = {};
+        for (int i = 0; i < kCount; ++i)
+        {
+            places[i] = static_cast<int*>(__emutls_get_address(&s_variables[i]));
+            CHECK(*places[i] == 0);
+            *places[i] = i + 1;
+            for (int iBefore = 0; iBefore <= i; ++iBefore)
+            {
+                CHECK(__emutls_get_address(&s_variables[iBefore]) == places[iBefore]);
+                CHECK(*places[iBefore] == iBefore + 1);
+            }
+        }
+    });
+}
+
 TEST_CASE("using a thread's variable leaves the last error alone", "[support][tls]")
 {
     OnThread([] {

@@ -42,6 +42,18 @@ HRESULT WINAPI FailFolder(HWND, int, HANDLE, DWORD, LPWSTR)
     return E_FAIL;
 }
 
+HRESULT WINAPI FailLate(HWND, int, HANDLE, DWORD, LPWSTR pszPath)
+{
+    wcscpy_s(pszPath, MAX_PATH, L"C:\\half a path");
+    return E_FAIL;
+}
+
+HRESULT WINAPI FindNothing(HWND, int, HANDLE, DWORD, LPWSTR pszPath)
+{
+    *pszPath = L'\0';
+    return S_OK;
+}
+
 /// Runs a call that is to throw for a failed platform call, and checks the whole text and that no handle was lost.
 template <typename Call>
 void CheckThrows(const wchar_t* pszApi, Call call)
@@ -103,6 +115,14 @@ TEST_CASE("the Program Files folder that can't be had is empty, looked for again
         CHECK(GetProgramFilesFolder().empty());
         CHECK(GetProgramFilesFolder().empty());
         CHECK(s_iFailedFolders == 2);
+    }
+    {
+        const ImportHook hook(nullptr, "SHGetFolderPathW", &FailLate);
+        CHECK(GetProgramFilesFolder().empty());
+    }
+    {
+        const ImportHook hook(nullptr, "SHGetFolderPathW", &FindNothing);
+        CHECK(GetProgramFilesFolder().empty());
     }
     const std::wstring& strFolder = GetProgramFilesFolder();
     CHECK_FALSE(strFolder.empty());

@@ -8,6 +8,8 @@
 #include <catch2/catch_test_macros.hpp>
 #include <catch2/generators/catch_generators.hpp>
 
+#include <set>
+
 namespace
 {
 
@@ -15,6 +17,16 @@ struct EditFixture : SettingsFixture
 {
     BoxWatcher watcher;
 };
+
+std::set<DWORD> s_sync; ///< the values of bPaperSync at messages to the paper box
+LRESULT WINAPI NoteSync(HWND hDlg, int iItem, UINT uiMessage, WPARAM wParam, LPARAM lParam)
+{
+    if (iItem == 1006)
+    {
+        s_sync.insert(bPaperSync);
+    }
+    return SendMessageW(GetDlgItem(hDlg, iItem), uiMessage, wParam, lParam);
+}
 
 } // namespace
 
@@ -217,6 +229,20 @@ TEST_CASE_METHOD(EditFixture, "a handler of the boxes does nothing while another
     bPaperSync = 1;
 }
 
+TEST_CASE_METHOD(EditFixture, "while a handler of the boxes writes, the others are told to do nothing",
+                 "[ui][settings]")
+{
+    const PageWindow page = Open();
+    const ImportHook hook(nullptr, "SendDlgItemMessageW", &NoteSync);
+    s_sync.clear();
+    page.Type(1007, L"297");
+    CHECK(s_sync == std::set<DWORD>{0}); // the selection of the custom paper
+    s_sync.clear();
+    page.ChoosePaper(1);
+    CHECK(s_sync == std::set<DWORD>{0});
+    CHECK(bPaperSync == 1);
+}
+
 TEST_CASE_METHOD(EditFixture, "a blocked handler's change is told to the sheet all the same", "[ui][settings]")
 {
     const PageWindow page = Open();
@@ -408,16 +434,19 @@ TEST_CASE_METHOD(EditFixture, "each button but the help button tells the sheet o
     CHECK(watcher.Count() == 0);
 }
 
-TEST_CASE_METHOD(EditFixture, "a spin leaves its scope in the log, the reading of its box inside it",
+TEST_CASE_METHOD(EditFixture, "a spin and a typed digit leave their scopes in the log, the reading of the box inside",
                  "[ui][settings][log]")
 {
+    const std::string strFunction = GENERATE(std::string("Sub_On_Spin"), std::string("Sub_On_Edit"));
     const PageWindow page = Open();
     const LoggingOn logging{"OutputFunBeginInfo"};
-    page.PressSpin(1004, true);
+    page.PressSpin(1004, true); // which writes the box, and so is an edit too
     const std::vector<std::string> lines = Masked(logging);
-    const auto at = [&lines](const char* pszLine) { return std::find(lines.begin(), lines.end(), pszLine); };
-    const auto start = at("VelUI_dll__Sub_On_Spin :START......");
-    const auto end = at("VelUI_dll__Sub_On_Spin :End  ......");
+    const auto at = [&](const std::string& strEvent) {
+        return std::find(lines.begin(), lines.end(), "VelUI_dll__" + strFunction + " :" + strEvent + "......");
+    };
+    const auto start = at("START");
+    const auto end = at("End  ");
     REQUIRE(start != lines.end());
     REQUIRE(end != lines.end());
     CHECK(*(start + 1) == "VelUI_dll__SubGetEditToINT :START......");

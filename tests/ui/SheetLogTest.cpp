@@ -81,7 +81,8 @@ bool EndsWith(const std::string& strText, const std::string& strEnd)
 struct Scope
 {
     std::string strFunction;
-    Lines lines; ///< its own, without its START and End, dumps and the rest of long messages
+    std::string strOuter; ///< the function in whose scope it stands; empty for an export
+    Lines lines;          ///< its own, without its START and End, dumps and the rest of long messages
 };
 
 /// Reads the log from top to bottom. Fails when scopes are not nested.
@@ -95,7 +96,9 @@ std::vector<Scope> ReadScopes(const Lines& lines)
     {
         if (EndsWith(strLine, strStart))
         {
-            open.push_back({strLine.substr(0, strLine.size() - strStart.size()), {}});
+            open.push_back({strLine.substr(0, strLine.size() - strStart.size()),
+                            open.empty() ? std::string() : open.back().strFunction,
+                            {}});
         }
         else if (EndsWith(strLine, strEnd))
         {
@@ -184,6 +187,38 @@ TEST_CASE_METHOD(SheetLogFixture, "the log of a sheet that was opened, changed a
         CAPTURE(pszFunction);
         CHECK(std::any_of(scopes.begin(), scopes.end(), [pszFunction](const Scope& scope) {
             return scope.strFunction == std::string("VelUI_dll__") + pszFunction;
+        }));
+    }
+    // It lasts as long as the function: what the function calls stands in it.
+    const std::pair<const char*, const char*> kNested[] = {
+        {"GetPaperInfoList", "DrvDocumentPropertySheets"},
+        {"VelUtility::GetComputerCaps", "GetPaperInfoList"},
+        {"SubAddpropertySheet", "DrvDocumentPropertySheets"},
+        {"SubInitPaperSize", "ProSetPage"},
+        {"GetDevDefPaperName", "SubInitPaperSize"},
+        {"Sub_On_Combo", "ProSetPage"},
+        {"Sub_On_Combo", "On_Radio_Stand"},
+        {"ProSetPage", "Sub_On_Combo"}, // told of the texts that it writes
+        {"SubInitOrientation", "ProSetPage"},
+        {"VelUtility::GetComputerCaps", "SubInitOrientation"},
+        {"On_Radio_Stand", "SubInitOrientation"},
+        {"SubInitOther", "ProSetPage"},
+        {"VelUtility::GetComputerCaps", "SubInitOther"},
+        {"On_Check_Duplex", "SubInitOther"},
+        {"Sub_On_Edit", "ProSetPage"},
+        {"SubSetDlgData", "ProSetPage"},
+        {"VelUtility::SetDevDef", "SubSetDlgData"},
+        {"VelUtility::GetDefSetting", "ProSeniorPage"},
+        {"VelUtility::MakeDefSetting", "ProSeniorPage"},
+        {"SubDefDlgSenior", "ProSeniorPage"},
+        {"SubGetDlgSenior", "ProSeniorPage"},
+    };
+    for (const auto& nested : kNested)
+    {
+        CAPTURE(nested.first, nested.second);
+        CHECK(std::any_of(scopes.begin(), scopes.end(), [&nested](const Scope& scope) {
+            return scope.strFunction == std::string("VelUI_dll__") + nested.first &&
+                   scope.strOuter == std::string("VelUI_dll__") + nested.second;
         }));
     }
     // Each debug line is followed by the functions that were running.
