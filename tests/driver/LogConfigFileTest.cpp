@@ -2,6 +2,7 @@
 
 #include "driver/Module.h"
 #include "tests/common/ImportHook.h"
+#include "tests/common/LogLines.h"
 #include "tests/common/PrivateRegistry.h"
 #include "tests/common/TempFolder.h"
 
@@ -29,6 +30,18 @@ struct LogConfigFixture
 TEST_CASE_METHOD(LogConfigFixture, "without both keys there is no log configuration", "[driver][logconfig]")
 {
     CHECK(GetLogConfigFile().empty());
+}
+
+TEST_CASE_METHOD(LogConfigFixture, "the search for the log configuration holds that in both keys in its scope",
+                 "[driver][logconfig]")
+{
+    const LoggingOn logging{"OutputFunBeginInfo"};
+    CHECK(GetLogConfigFile().empty());
+    CHECK(Masked(logging) ==
+          std::vector<std::string>{
+              "VelUI_dll__GetLogConfigFile :START......", "VelUI_dll__GetLogConfigFromKey :START......",
+              "VelUI_dll__GetLogConfigFromKey :End  ......", "VelUI_dll__GetLogConfigFromKey :START......",
+              "VelUI_dll__GetLogConfigFromKey :End  ......", "VelUI_dll__GetLogConfigFile :End  ......"});
 }
 
 TEST_CASE_METHOD(LogConfigFixture, "a machine with both takes the client's log configuration", "[driver][logconfig]")
