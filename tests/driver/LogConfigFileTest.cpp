@@ -13,6 +13,16 @@
 namespace
 {
 
+/// Leaves no zero below the caller's frame that could pass for a terminator.
+__attribute__((noinline)) void FillStack()
+{
+    volatile char szRoom[0x4000];
+    for (volatile char& c : szRoom)
+    {
+        c = 'x';
+    }
+}
+
 struct LogConfigFixture
 {
     static std::string Narrow(const std::wstring& str) { return std::string(str.begin(), str.end()); }
@@ -140,5 +150,6 @@ TEST_CASE_METHOD(LogConfigFixture, "an InstallDir that was stored without a term
     const ImportHook open(nullptr, "fopen", &OpenAnyFile);
     const std::string strBytes(260, 'f');
     registry.SetBytes(L"Software\\Vel-soft\\Client", L"InstallDir", REG_BINARY, strBytes.data(), 260);
+    FillStack();
     CHECK(GetLogConfigFile() == strBytes + "\\LogConfig.conf");
 }
