@@ -120,11 +120,14 @@ class Hunter:
         self.killers = collections.Counter()  # (path, case's name)
 
     def order(self, mutant):
-        """The cases that are known to run the fault's place, and all others; in both the likely ones first: those that
-        have noticed a fault of the file before, quick ones, those that stand where the file is mirrored."""
+        """The cases that are known to run the fault's place, or came after the measurement, and all others; in both
+        the likely ones first: those that have noticed a fault of the file before, quick ones, those that stand where the
+        file is mirrored."""
         mirrored = "tests/" + re.sub(r"\.\w+$", "Test.cpp", mutant.path)
         folder = os.path.dirname(mirrored) + "/"
         reaching = self.table.reaching(mutant) if self.table else set()
+        if self.table:
+            reaching |= {case.name for case in self.cases if case.name not in self.table.known}
 
         def rank(case):
             seconds = self.usual.get(case.name, 1)
