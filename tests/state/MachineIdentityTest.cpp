@@ -123,6 +123,14 @@ std::vector<std::string> LinesOf(const LoggingOn& logging)
     return Masked(logging);
 }
 
+/// What a function leaves between its START and End.
+std::vector<std::string> InScope(const LoggingOn& logging, const char* pszFunction)
+{
+    const std::vector<std::string> own = OwnLines(logging, std::string("VelUtility::") + pszFunction);
+    REQUIRE(own.size() >= 2);
+    return {own.begin() + 1, own.end() - 1};
+}
+
 } // namespace
 
 TEST_CASE("no output asks for nothing and is a success", "[state][machine]")
@@ -177,12 +185,13 @@ TEST_CASE("a machine without an adapter has no hardware address and says so", "[
 {
     Adapters adapters(6, 6);
     s_dwSizeAnswer = ERROR_NO_DATA;
-    const LoggingOn logging;
+    const LoggingOn logging{"OutputFunBeginInfo"};
     BYTE abyMac[6] = {'#'};
     CHECK(GetLocalMachineInfo(nullptr, 0, abyMac, nullptr) == 1);
     CHECK(abyMac[0] == '#');
-    CHECK(LinesOf(logging) == std::vector<std::string>{"ERROR - .\\ClientInfo(#) : dwStatus = 232",
-                                                       "ERROR - .\\ClientInfo(#) : GetMACaddress failed"});
+    CHECK(InScope(logging, "GetMACaddress") == std::vector<std::string>{"ERROR - .\\ClientInfo(#) : dwStatus = 232"});
+    CHECK(InScope(logging, "GetLocalMachineInfo") ==
+          std::vector<std::string>{"ERROR - .\\ClientInfo(#) : GetMACaddress failed"});
 }
 
 TEST_CASE("adapters that can't be read leave no hardware address", "[state][machine]")
@@ -239,11 +248,12 @@ TEST_CASE("each failed socket step leaves its code", "[state][machine]")
     wchar_t szName[64] = {};
     const auto check = [&](const char* pszFunction, auto pfn, const char* pszCode) {
         const ImportHook hook(nullptr, pszFunction, pfn);
-        const LoggingOn logging;
+        const LoggingOn logging{"OutputFunBeginInfo"};
         CHECK(GetLocalMachineInfo(szName, 64, nullptr, nullptr) == 1);
-        CHECK(LinesOf(logging) ==
-              std::vector<std::string>{std::string("ERROR - .\\ClientInfo(#) : WSAGetLastError() = ") + pszCode,
-                                       "ERROR - .\\ClientInfo(#) : GetHost failed."});
+        CHECK(InScope(logging, "GetHost") ==
+              std::vector<std::string>{std::string("ERROR - .\\ClientInfo(#) : WSAGetLastError() = ") + pszCode});
+        CHECK(InScope(logging, "GetLocalMachineInfo") ==
+              std::vector<std::string>{"ERROR - .\\ClientInfo(#) : GetHost failed."});
     };
     check("WSAStartup", &FailStartup, "10091");
     check("gethostname", &FailName, "10050");

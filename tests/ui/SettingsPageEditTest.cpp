@@ -18,6 +18,16 @@ struct EditFixture : SettingsFixture
     BoxWatcher watcher;
 };
 
+void HandleMessages()
+{
+    MSG message = {};
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+    {
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
 std::set<DWORD> s_sync; ///< the values of bPaperSync at messages to the paper box
 LRESULT WINAPI NoteSync(HWND hDlg, int iItem, UINT uiMessage, WPARAM wParam, LPARAM lParam)
 {
@@ -51,6 +61,29 @@ TEST_CASE_METHOD(EditFixture, "choosing the custom paper leaves the boxes as the
     CHECK(page.Text(1007) == L"215"); // the paper passed on the way
     CHECK(page.Text(1008) == L"279");
     CHECK(page.Changes() > iBefore);
+}
+
+TEST_CASE_METHOD(EditFixture, "a paper's name that is too long for its box is shown from its beginning, all selected",
+                 "[ui][settings]")
+{
+    const std::wstring strLong = L"Transparency, heavy, WWWWWWW, from the second tray of the annex";
+    UsePapers({{L"A4", 9, 2100, 2970}, {strLong, 300, 2000, 2000}});
+    in.stuDevmode.dmPaperSize = 300;
+    const PageWindow page = Open();
+    HandleMessages();
+    REQUIRE(page.Paper() == strLong);
+    const HWND hEdit = FindWindowExW(page.Item(1006), nullptr, L"Edit", nullptr);
+    REQUIRE(hEdit != nullptr);
+    DWORD dwFirst = 99;
+    DWORD dwLast = 99;
+    SendMessageW(hEdit, EM_GETSEL, reinterpret_cast<WPARAM>(&dwFirst), reinterpret_cast<LPARAM>(&dwLast));
+    CHECK(dwFirst == 0);
+    CHECK(dwLast == strLong.size());
+    CHECK(static_cast<short>(LOWORD(SendMessageW(hEdit, EM_POSFROMCHAR, 0, 0))) >= 0);
+    RECT client = {};
+    GetClientRect(hEdit, &client);
+    // It is too long indeed.
+    CHECK(static_cast<short>(LOWORD(SendMessageW(hEdit, EM_POSFROMCHAR, strLong.size() - 1, 0))) > client.right);
 }
 
 TEST_CASE_METHOD(EditFixture, "in landscape the paper's width stands in the second box", "[ui][settings]")
