@@ -118,7 +118,7 @@ void CheckPage(const std::string& strJob, const PageCase& page)
     CHECK((page.iHeight - 12 - box[3] >= 0 && page.iHeight - 12 - box[3] <= 1));
 }
 
-constexpr double kMargin = 12.0 / 72; // inches, on each side
+constexpr double kMargin = 12.0 / 72;                      // inches, on each side
 constexpr double kAcross = 571.0 / 72, kDown = 818.0 / 72; // the printable part of A4
 
 /// Checks the grid's lines of one direction: one at each whole centimetre from the paper's edge, over the whole
