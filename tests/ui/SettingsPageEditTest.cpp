@@ -467,13 +467,13 @@ TEST_CASE_METHOD(EditFixture, "each button but the help button tells the sheet o
     CHECK(watcher.Count() == 0);
 }
 
-TEST_CASE_METHOD(EditFixture, "a spin and a typed digit leave their scopes in the log, the reading of the box inside",
+TEST_CASE_METHOD(EditFixture, "a spin and the edit that it makes leave their scopes in the log, the box read inside",
                  "[ui][settings][log]")
 {
     const std::string strFunction = GENERATE(std::string("Sub_On_Spin"), std::string("Sub_On_Edit"));
     const PageWindow page = Open();
     const LoggingOn logging{"OutputFunBeginInfo"};
-    page.PressSpin(1004, true); // which writes the box, and so is an edit too
+    page.PressSpin(1004, true);
     const std::vector<std::string> lines = Masked(logging);
     const auto at = [&](const std::string& strEvent) {
         return std::find(lines.begin(), lines.end(), "VelUI_dll__" + strFunction + " :" + strEvent + "......");
