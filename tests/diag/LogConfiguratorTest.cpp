@@ -206,6 +206,7 @@ TEST_CASE("four lines with a rule's key make a rule, whichever they are", "[diag
         {"filter.module =M\nfilter.class=*\nfilter.function=*\nfilter.putoutpermission=no\n", false},
         {"filter.Module=M\nfilter.class=*\nfilter.function=*\nfilter.putoutpermission=no\n", false},
         {"module=filter\nclass=filter\nfunction=filter\nputoutpermission=filter\n", true},
+        {"x.module=filter\nx.class=filter\nx.function=filter\nx.putoutpermission=filter\n", false},
         {"module=M\nclass=*\nfunction=*\nputoutpermission=no\n", false},
         {"x.filter.module=M\nfilter.class=*\nfilter.function=*\nfilter.putoutpermission=no\n", false},
         {"# filter.module=M\nfilter.class=*\nfilter.function=*\nfilter.putoutpermission=no\n", false},

@@ -380,8 +380,10 @@ TEST_CASE("each event leaves its name in the log, an unknown one its number", "[
     const LoggingOn logging{"OutputParam"};
     DrvPrinterEvent(szName, 8, 0, 0);
     CHECK(logging.Has("INFO - DriverEvent = 8\n"));
+    DrvPrinterEvent(szName, -1, 0, 0);
+    CHECK(logging.Has("INFO - DriverEvent = -1\n"));
     DrvPrinterEvent(szName, PRINTER_EVENT_DELETE, 0, 0);
     CHECK(logging.Has("INFO - DriverEvent = PRINTER_EVENT_DELETE\n"));
     const std::vector<std::string> lines = Masked(logging);
-    CHECK(std::count(lines.begin(), lines.end(), "DEBUG - VelUI(#) : pPrinterName = P") == 3);
+    CHECK(std::count(lines.begin(), lines.end(), "DEBUG - VelUI(#) : pPrinterName = P") == 4);
 }

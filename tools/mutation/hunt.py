@@ -182,7 +182,7 @@ class Hunter:
             except workshops.NoBuild as refusal:
                 return verdict(REFUSED, str(refusal)[:300])
             reaching, others = self.order(mutant)
-            if self.quick and reaching:
+            if self.quick and self.table and self.table.reaching(mutant):
                 others = []
             failed = self.noticed(reaching, "cases that run it") or self.noticed(others, "all other cases")
             if failed is None and mutant.path.endswith(".h"):
