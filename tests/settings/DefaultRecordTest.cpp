@@ -95,6 +95,20 @@ TEST_CASE_METHOD(DefaultFixture, "the default paper is A4 where listed, else the
     CHECK(SubSetDefPaperSize() == static_cast<short>(40000));
 }
 
+TEST_CASE_METHOD(DefaultFixture, "the search for the default paper holds its queries in its scope",
+                 "[settings][default]")
+{
+    WritePapers({1, 9});
+    const LoggingOn logging{"OutputFunBeginInfo"};
+    CHECK(SubSetDefPaperSize() == 9);
+    const std::vector<std::string> lines = Masked(logging);
+    REQUIRE(lines.size() > 4);
+    CHECK(lines[0] == "VelUI_dll__SubSetDefPaperSize :START......");
+    CHECK(lines[1] == "VelUI_dll__VelUtility::GetComputerCaps :START......");
+    CHECK(lines[lines.size() - 2] == "VelUI_dll__VelUtility::GetComputerCaps :End  ......");
+    CHECK(lines.back() == "VelUI_dll__SubSetDefPaperSize :End  ......");
+}
+
 TEST_CASE_METHOD(DefaultFixture, "the default paper is A4 where papers can't be read", "[settings][default]")
 {
     CHECK(SubSetDefPaperSize() == 9);                        // no file
