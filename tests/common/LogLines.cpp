@@ -1,5 +1,7 @@
 #include "tests/common/LogLines.h"
 
+#include <catch2/catch_test_macros.hpp>
+
 #include <regex>
 
 std::vector<std::string> Masked(const LoggingOn& logging)
@@ -47,4 +49,25 @@ std::vector<std::string> OwnLines(const LoggingOn& logging, const std::string& s
         }
     }
     return own;
+}
+
+std::vector<std::string> InnerLines(const LoggingOn& logging, const std::string& strFunction)
+{
+    const std::vector<std::string> own = OwnLines(logging, strFunction);
+    REQUIRE(own.size() >= 2);
+    return {own.begin() + 1, own.end() - 1};
+}
+
+std::vector<std::string> ScopeEvents(const LoggingOn& logging)
+{
+    std::vector<std::string> events;
+    for (const std::string& strLine : Masked(logging))
+    {
+        const bool bStart = strLine.find(" :START......") != std::string::npos;
+        if (bStart || strLine.find(" :End  ......") != std::string::npos)
+        {
+            events.push_back((bStart ? "+" : "-") + strLine.substr(0, strLine.find(' ')));
+        }
+    }
+    return events;
 }

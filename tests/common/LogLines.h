@@ -12,3 +12,8 @@ std::vector<std::string> Masked(const LoggingOn& logging);
 /// The lines of one function alone: those between its START and End that stand in no scope inside it, both ends
 /// included.
 std::vector<std::string> OwnLines(const LoggingOn& logging, const std::string& strFunction);
+/// The same without START and End, both of which must be there.
+std::vector<std::string> InnerLines(const LoggingOn& logging, const std::string& strFunction);
+
+/// The scopes that open ("+") and end ("-"), in order: "+VelUI_dll__ProSetPage".
+std::vector<std::string> ScopeEvents(const LoggingOn& logging);

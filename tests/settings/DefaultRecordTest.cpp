@@ -101,12 +101,12 @@ TEST_CASE_METHOD(DefaultFixture, "the search for the default paper holds its que
     WritePapers({1, 9});
     const LoggingOn logging{"OutputFunBeginInfo"};
     CHECK(SubSetDefPaperSize() == 9);
-    const std::vector<std::string> lines = Masked(logging);
-    REQUIRE(lines.size() > 4);
-    CHECK(lines[0] == "VelUI_dll__SubSetDefPaperSize :START......");
-    CHECK(lines[1] == "VelUI_dll__VelUtility::GetComputerCaps :START......");
-    CHECK(lines[lines.size() - 2] == "VelUI_dll__VelUtility::GetComputerCaps :End  ......");
-    CHECK(lines.back() == "VelUI_dll__SubSetDefPaperSize :End  ......");
+    const std::vector<std::string> events = ScopeEvents(logging);
+    REQUIRE(events.size() > 4);
+    CHECK(events[0] == "+VelUI_dll__SubSetDefPaperSize");
+    CHECK(events[1] == "+VelUI_dll__VelUtility::GetComputerCaps");
+    CHECK(events[events.size() - 2] == "-VelUI_dll__VelUtility::GetComputerCaps");
+    CHECK(events.back() == "-VelUI_dll__SubSetDefPaperSize");
 }
 
 TEST_CASE_METHOD(DefaultFixture, "the default paper is A4 where papers can't be read", "[settings][default]")

@@ -59,9 +59,7 @@ std::vector<std::string> LinesOfFailure()
     UserBuffers who;
     const LoggingOn logging{"OutputFunBeginInfo"};
     CHECK(GetCurrentUsername_Registry(who.szUser, who.szDomain) == 0);
-    const auto own = OwnLines(logging, "VelUtility::GetCurrentUsername_Registry");
-    REQUIRE(own.size() >= 2);
-    return {own.begin() + 1, own.end() - 1};
+    return InnerLines(logging, "VelUtility::GetCurrentUsername_Registry");
 }
 
 std::wstring ComputerName()

@@ -26,9 +26,7 @@ using Lines = std::vector<std::string>;
 /// The lines of a function's own between its START and End, from a log with OutputFunBeginInfo.
 Lines Inner(const LoggingOn& logging, const std::string& strFunction)
 {
-    const Lines own = OwnLines(logging, "VelUtility::" + strFunction);
-    REQUIRE(own.size() >= 2);
-    return Lines(own.begin() + 1, own.end() - 1);
+    return InnerLines(logging, "VelUtility::" + strFunction);
 }
 
 /// The error line of some words.

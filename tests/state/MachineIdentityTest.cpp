@@ -126,9 +126,7 @@ std::vector<std::string> LinesOf(const LoggingOn& logging)
 /// What a function leaves between its START and End.
 std::vector<std::string> InScope(const LoggingOn& logging, const char* pszFunction)
 {
-    const std::vector<std::string> own = OwnLines(logging, std::string("VelUtility::") + pszFunction);
-    REQUIRE(own.size() >= 2);
-    return {own.begin() + 1, own.end() - 1};
+    return InnerLines(logging, std::string("VelUtility::") + pszFunction);
 }
 
 } // namespace

@@ -130,9 +130,7 @@ std::vector<Row> PathRows()
 /// What stands between a function's START and End.
 std::vector<std::string> Inner(const LoggingOn& logging, const char* pszFunction)
 {
-    const std::vector<std::string> own = OwnLines(logging, std::string("VelUtility::") + pszFunction);
-    REQUIRE(own.size() >= 2);
-    return {own.begin() + 1, own.end() - 1};
+    return InnerLines(logging, std::string("VelUtility::") + pszFunction);
 }
 
 } // namespace

@@ -24,12 +24,7 @@ struct StoreLogFixture : ClientFixture
     LoggingOn logging{"OutputFunBeginInfo"};
     Lines Own(const std::string& strFunction) const { return OwnLines(logging, "VelUtility::" + strFunction); }
     /// What stands between a function's START and End.
-    Lines Inner(const std::string& strFunction) const
-    {
-        const Lines own = Own(strFunction);
-        REQUIRE(own.size() >= 2);
-        return Lines(own.begin() + 1, own.end() - 1);
-    }
+    Lines Inner(const std::string& strFunction) const { return InnerLines(logging, "VelUtility::" + strFunction); }
     std::string NarrowFolder() const { return std::string(folder.Path().begin(), folder.Path().end()); }
 };
 
@@ -251,15 +246,11 @@ TEST_CASE_METHOD(StoreLogFixture, "every function of a query opens and closes it
     WriteCaps({{L"Copies", L"5"}});
     GetComputerCaps(DC_COPIES, nullptr);
     Lines scopes;
-    for (const std::string& strLine : Masked(logging))
+    for (std::string strEvent : ScopeEvents(logging))
     {
-        const bool bStart = strLine.find(" :START......") != std::string::npos;
-        if (bStart || strLine.find(" :End  ......") != std::string::npos)
-        {
-            const std::string strHead = "VelUI_dll__VelUtility::";
-            CHECK(strLine.compare(0, strHead.size(), strHead) == 0);
-            scopes.push_back((bStart ? "+" : "-") + strLine.substr(strHead.size(), strLine.find(' ') - strHead.size()));
-        }
+        const std::string strHead = "VelUI_dll__VelUtility::";
+        CHECK(strEvent.compare(1, strHead.size(), strHead) == 0);
+        scopes.push_back(strEvent.erase(1, strHead.size()));
     }
     CHECK(scopes == Lines{"+GetComputerCaps",
                           "+GetClientFolder",

@@ -159,21 +159,6 @@ const Row kRows[] = {
      }},
 };
 
-/// What opens (+) and ends (-) in a log, in order.
-std::vector<std::string> ScopeEvents(const LoggingOn& logging)
-{
-    std::vector<std::string> events;
-    for (const std::string& strLine : Masked(logging))
-    {
-        const bool bStart = strLine.find(" :START......") != std::string::npos;
-        if (bStart || strLine.find(" :End  ......") != std::string::npos)
-        {
-            events.push_back((bStart ? "+" : "-") + strLine.substr(0, strLine.find(' ')));
-        }
-    }
-    return events;
-}
-
 } // namespace
 
 TEST_CASE_METHOD(ClientFixture, "the scope of each function of the store holds all that the function does",
