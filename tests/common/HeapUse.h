@@ -5,6 +5,9 @@
 #include <cstddef>
 #include <malloc.h>
 
+/// Bytes that Wine 10's heap may take for stocks of its own while a program repeats itself.
+inline constexpr size_t kHeapsStock = 128 * 1024;
+
 /// Bytes of a heap that are in use.
 inline size_t HeapInUse(HANDLE hHeap)
 {

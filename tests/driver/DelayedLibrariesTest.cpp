@@ -4,6 +4,7 @@
 #include "tests/common/BuiltModule.h"
 #include "tests/common/ChildCase.h"
 #include "tests/common/ClientFixture.h"
+#include "tests/common/HeapUse.h"
 #include "tests/common/ImportHook.h"
 #include "tests/driver/SheetCalls.h"
 
@@ -165,6 +166,7 @@ TEST_CASE_METHOD(BareFixture,
     // stock of its own in the first 2,000 loads, so it is those behind them that count.
     CHECK(std::stoull(results[9]) < std::stoull(results[5]) + 200 * 16);
     CHECK(std::stoull(results[14]) < std::stoull(results[12]) + 1000 * 16);
+    CHECK(std::stoull(results[14]) < std::stoull(results[5]) + kHeapsStock);
 }
 
 namespace

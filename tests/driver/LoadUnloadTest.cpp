@@ -109,6 +109,7 @@ TEST_CASE("3,000 loads and unloads leave indexes, modules, handles and memory as
     const size_t uiFls = FreeFlsIndexes();
     const size_t uiModules = LoadedModules();
     const size_t uiHandle = NextHandle();
+    const size_t cbStart = HeapInUse();
     UseOften(2000); // Wine 10's heap fills a stock of its own meanwhile
     const size_t cbHeap = HeapInUse();
     UseOften(1000);
@@ -119,8 +120,9 @@ TEST_CASE("3,000 loads and unloads leave indexes, modules, handles and memory as
     CHECK(NextHandle() == uiHandle);
     // A block lost at each load, of whatever size, would show as more than this; less is the heap's own noise.
     const size_t cbAfter = HeapInUse();
-    CAPTURE(cbHeap, cbAfter);
+    CAPTURE(cbStart, cbHeap, cbAfter);
     CHECK(cbAfter < cbHeap + 1000 * 16);
+    CHECK(cbAfter < cbStart + kHeapsStock);
 }
 
 namespace
