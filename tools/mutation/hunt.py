@@ -112,22 +112,22 @@ class Hunter:
     def __init__(self, shop, cases, table, usual, tell, sessions, quick):
         self.shop = shop
         self.cases = cases
-        self.table = table    # of reach, or None
+        self.table = table    # of reach
         self.usual = usual    # seconds by case's name
         self.tell = tell
         self.sessions = sessions
         self.quick = quick    # whether the cases that are known to run a fault's place are enough
+        self.newer = {case.name for case in cases} - set(table.names)  # of which nothing was measured
         self.killers = collections.Counter()  # (path, case's name)
 
     def order(self, mutant):
-        """The cases that are known to run the fault's place, or came after the measurement, and all others; in both
-        the likely ones first: those that have noticed a fault of the file before, quick ones, those that stand where the
-        file is mirrored."""
+        """The cases that are known to run the fault's place, or may since nothing was measured of them, and all others;
+        in both the likely ones first: those that have noticed a fault of the file before, quick ones, those that stand
+        where the file is mirrored. And whether any case is known to run the place."""
         mirrored = "tests/" + re.sub(r"\.\w+$", "Test.cpp", mutant.path)
         folder = os.path.dirname(mirrored) + "/"
-        reaching = self.table.reaching(mutant) if self.table else set()
-        if self.table:
-            reaching |= {case.name for case in self.cases if case.name not in self.table.known}
+        known = self.table.reaching(mutant)
+        first = known | self.newer
 
         def rank(case):
             seconds = self.usual.get(case.name, 1)
@@ -135,8 +135,8 @@ class Hunter:
             return -self.killers[mutant.path, case.name], seconds > SLOW, near, seconds
 
         cases = sorted(self.cases, key=rank)
-        return ([case for case in cases if case.name in reaching],
-                [case for case in cases if case.name not in reaching])
+        return ([case for case in cases if case.name in first], [case for case in cases if case.name not in first],
+                bool(known))
 
     def clear_up(self):
         """Ends what a fault has left behind: a program that waits for a lock for ever, and would keep others from it."""
@@ -181,14 +181,14 @@ class Hunter:
                 self.shop.link()
             except workshops.NoBuild as refusal:
                 return verdict(REFUSED, str(refusal)[:300])
-            reaching, others = self.order(mutant)
-            if self.quick and self.table and self.table.reaching(mutant):
+            first, others, known = self.order(mutant)
+            if self.quick and known:
                 others = []
-            failed = self.noticed(reaching, "cases that run it") or self.noticed(others, "all other cases")
+            failed = self.noticed(first, "cases that run it") or self.noticed(others, "all other cases")
             if failed is None and mutant.path.endswith(".h"):
                 failed = self.noticed_by_own_copy(mutant)
             if failed is None:
-                return verdict(SURVIVED, "" if reaching or self.table is None else "no case is known to run it")
+                return verdict(SURVIVED, "" if known else "no case is known to run it")
             self.killers[mutant.path, failed.case.name] += 1
             return verdict(KILLED, f"'{failed.case.name}' {failed.why}")
 

@@ -128,7 +128,6 @@ class Table:
     def __init__(self, path, copy):
         self.data = json.loads(path.read_text())
         self.names = self.data["cases"]
-        self.known = set(self.names)
         self.same = {}
         for name, entry in self.data["files"].items():
             self.same[name] = (copy / name).exists() and hash_of(copy / name) == entry["hash"]
