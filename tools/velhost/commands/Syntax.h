@@ -59,9 +59,8 @@ public:
     /// A command with commands of its own, one of which must be given.
     void NeedCommand();
     /// Adds an option; a name without dashes in front makes it one that is told by its place.
-    /// @param value gets what is given, and outlives the program object. A text, a number (Syntax.cpp has the types),
-    /// or
-    ///              an std::optional of one.
+    /// @param value gets what is given, and outlives the program object: a text, a number, or an std::optional of one.
+    ///              Syntax.cpp has the types.
     template <typename Value>
     OptionSyntax AddOption(const char* pszName, Value& value, const std::string& strText);
     OptionSyntax AddFlag(const char* pszName, bool& bGiven, const char* pszText);
