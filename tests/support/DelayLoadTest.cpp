@@ -1,9 +1,12 @@
 // The helper of delay-loaded functions, called as a function's slot calls it.
 
+#include "tests/common/ImportHook.h"
+
 #include <catch2/catch_test_macros.hpp>
 
 #include <windows.h>
 
+#include <cstring>
 #include <delayimp.h>
 
 extern "C" FARPROC WINAPI __delayLoadHelper2(PCImgDelayDescr pDescription, FARPROC* ppfnSlot);
@@ -49,6 +52,7 @@ public:
     FARPROC Resolve() { return __delayLoadHelper2(&m_description, s_slots); }
     HMODULE Library() const { return s_hLibrary; }
     FARPROC Slot() const { return s_slots[0]; }
+    static const void* SlotsPlace() { return s_slots; }
     /// Whether the slot still leads to where it led at first.
     bool SlotIsUntouched() const { return s_slots[0] == &NotCalled; }
     const ImgDelayDescr& Description() const { return m_description; }
@@ -107,6 +111,30 @@ private:
     void* m_pHandler;
 };
 
+/// What the platform says while a process ends.
+BOOLEAN NTAPI SayYes()
+{
+    return TRUE;
+}
+FARPROC(WINAPI* s_pfnFind)(HMODULE, LPCSTR) = nullptr;
+FARPROC WINAPI FindEndOfProcess(HMODULE hModule, LPCSTR pszName)
+{
+    return std::strcmp(pszName, "RtlDllShutdownInProgress") == 0
+               ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&SayYes))
+               : s_pfnFind(hModule, pszName);
+}
+
+BOOL(WINAPI* s_pfnProtect)(LPVOID, SIZE_T, DWORD, PDWORD) = nullptr;
+BOOL WINAPI KeepSlotLocked(LPVOID pv, SIZE_T cb, DWORD dwProtection, PDWORD pdwBefore)
+{
+    if (pv == DelayedFunction::SlotsPlace())
+    {
+        SetLastError(ERROR_INVALID_ADDRESS);
+        return FALSE;
+    }
+    return s_pfnProtect(pv, cb, dwProtection, pdwBefore);
+}
+
 } // namespace
 
 TEST_CASE("a function's first call loads its library and fills its slot, and the last error stays", "[support][delay]")
@@ -118,6 +146,30 @@ TEST_CASE("a function's first call loads its library and fills its slot, and the
     CHECK(function.Library() == GetModuleHandleW(L"version.dll"));
     CHECK(pfn == GetProcAddress(function.Library(), "VerLanguageNameW"));
     CHECK(function.Slot() == pfn);
+}
+
+TEST_CASE("a slot that can't be unlocked stays, and the function is called all the same", "[support][delay]")
+{
+    s_pfnProtect = &VirtualProtect;
+    const ImportHook hook(nullptr, "VirtualProtect", &KeepSlotLocked);
+    DelayedFunction function("version.dll", "VerLanguageNameW");
+    SetLastError(4711);
+    const FARPROC pfn = function.Resolve();
+    CHECK(GetLastError() == 4711);
+    CHECK(pfn == GetProcAddress(function.Library(), "VerLanguageNameW"));
+    CHECK(function.SlotIsUntouched());
+}
+
+TEST_CASE("while the process ends no library is loaded, and a call fails as without its library", "[support][delay]")
+{
+    s_pfnFind = &GetProcAddress;
+    const ImportHook hook(nullptr, "GetProcAddress", &FindEndOfProcess);
+    DelayedFunction function("version.dll", "GetAdaptersInfo");
+    SetLastError(4711);
+    const FARPROC pfn = function.Resolve();
+    CHECK(function.Library() == nullptr);
+    CHECK(static_cast<DWORD>(pfn()) == ERROR_MOD_NOT_FOUND);
+    CHECK(function.SlotIsUntouched());
 }
 
 TEST_CASE("threads that meet at a function's first call leave one reference to its library", "[support][delay][cores]")
