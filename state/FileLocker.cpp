@@ -35,7 +35,6 @@ CFileLocker::CFileLocker(const wchar_t* szFilename) noexcept : bFailed(0), pMute
         if (szFilename == nullptr)
         {
             LOG_ERROR("szFilename = 0x%08X", LowBits(szFilename));
-            bFailed = 1;
             ThrowLockerFailure();
         }
         wchar_t szName[kPathUnits] = {};

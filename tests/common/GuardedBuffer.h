@@ -10,7 +10,7 @@
 class GuardedBuffer
 {
 public:
-    /// @param cbSize bytes, at most 64 KiB.
+    /// @param cbSize bytes.
     /// @param byFill what every byte starts as.
     explicit GuardedBuffer(size_t cbSize, BYTE byFill = 0xCD) : m_cbSize(cbSize)
     {

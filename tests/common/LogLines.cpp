@@ -24,31 +24,64 @@ std::vector<std::string> Masked(const LoggingOn& logging)
     return masked;
 }
 
-std::vector<std::string> OwnLines(const LoggingOn& logging, const std::string& strFunction)
+namespace
+{
+
+const std::string kModule = "VelUI_dll__";
+
+bool EndsWith(const std::string& strLine, const std::string& strMark)
+{
+    return strLine.size() > strMark.size() &&
+           strLine.compare(strLine.size() - strMark.size(), strMark.size(), strMark) == 0;
+}
+
+/// The lines of one function alone, with "> F" in front of what a call of F has left, where that is wanted.
+std::vector<std::string> LinesOf(const LoggingOn& logging, const std::string& strFunction, bool bCalls)
 {
     std::vector<std::string> own;
     std::vector<std::string> scopes;
-    const auto endsWith = [](const std::string& strLine, const char* pszMark) {
-        const std::string strMark = pszMark;
-        return strLine.size() > strMark.size() &&
-               strLine.compare(strLine.size() - strMark.size(), strMark.size(), strMark) == 0;
-    };
     for (const std::string& strLine : Masked(logging))
     {
-        if (endsWith(strLine, " :START......"))
+        const bool bInside = !scopes.empty() && scopes.back() == kModule + strFunction;
+        if (EndsWith(strLine, " :START......"))
         {
             scopes.push_back(strLine.substr(0, strLine.find(' ')));
+            if (bInside && bCalls)
+            {
+                own.push_back("> " + scopes.back().substr(kModule.size()));
+            }
         }
-        if (!scopes.empty() && scopes.back() == "VelUI_dll__" + strFunction)
+        if (!scopes.empty() && scopes.back() == kModule + strFunction)
         {
             own.push_back(strLine);
         }
-        if (!scopes.empty() && endsWith(strLine, " :End  ......"))
+        if (!scopes.empty() && EndsWith(strLine, " :End  ......"))
         {
             scopes.pop_back();
         }
     }
     return own;
+}
+
+} // namespace
+
+std::vector<std::string> OwnLines(const LoggingOn& logging, const std::string& strFunction)
+{
+    return LinesOf(logging, strFunction, false);
+}
+
+std::vector<std::string> Outline(const LoggingOn& logging, const std::string& strFunction)
+{
+    static const std::regex begin("^(> |(INFO|DEBUG|WARNING|ERROR|FATAL|Param) - )");
+    std::vector<std::string> outline;
+    for (const std::string& strLine : LinesOf(logging, strFunction, true))
+    {
+        if (std::regex_search(strLine, begin)) // else the end of a long message, or the function's START or End
+        {
+            outline.push_back(strLine.substr(0, strLine.find(" = ")));
+        }
+    }
+    return outline;
 }
 
 std::vector<std::string> InnerLines(const LoggingOn& logging, const std::string& strFunction)

@@ -15,5 +15,9 @@ std::vector<std::string> OwnLines(const LoggingOn& logging, const std::string& s
 /// The same without START and End, both of which must be there.
 std::vector<std::string> InnerLines(const LoggingOn& logging, const std::string& strFunction);
 
+/// What a function has done, in order: each message of its own without its value, "DEBUG - VelUI(#) : stuDefDev", and
+/// each function with a scope that it has called, "> GetPaperInfoList".
+std::vector<std::string> Outline(const LoggingOn& logging, const std::string& strFunction);
+
 /// The scopes that open ("+") and end ("-"), in order: "+VelUI_dll__ProSetPage".
 std::vector<std::string> ScopeEvents(const LoggingOn& logging);

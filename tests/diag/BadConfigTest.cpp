@@ -251,6 +251,19 @@ TEST_CASE("without an event log a fatal message goes to the file alone", "[diag]
     CHECK(configured.Log().find("FATAL - fatal") != std::string::npos);
 }
 
+TEST_CASE("a failed start behind one that worked switches logging off", "[diag][start]")
+{
+    const Configured configured(kGoodConfig);
+    REQUIRE(configured.Start());
+    CHECK(StartLogging("") == 0);
+    CHECK(loggingDisabled);
+    REQUIRE(configured.Start());
+    CHECK(StartLogging((configured.Name() + ".absent").c_str()) == 0);
+    CHECK(loggingDisabled);
+    CHECK(LogsQuietly());
+    CHECK(configured.Log().empty());
+}
+
 TEST_CASE("the end of a start that failed half way closes the log file", "[diag][start]")
 {
     const Configured configured(std::string(kGoodConfig) + "OutputParam=true\n");

@@ -161,5 +161,12 @@ TEST_CASE("the early exits of the default mode leave no result line, its failure
     REQUIRE(own.size() > 3);
     CHECK(own.at(own.size() - 3) == "WARNING - VelUI(#) : GetDefSetting failed. Popup confirm dialog.");
     CHECK(own.at(own.size() - 2) == "Param - VelUI(#) : bReturn = 1");
+    const std::vector<std::string> outline = Outline(logging, "DrvConvertDevMode");
+    REQUIRE(outline.size() > 7);
+    CHECK(std::vector<std::string>(outline.end() - 7, outline.end()) ==
+          std::vector<std::string>{"INFO - DrvConvertDevMode was invoked.", "Param - DrvConvertDevMode([pPrinterName]",
+                                   "DEBUG - VelUI(#) : fMode", "> SubSetDevMode", "> VelUtility::GetDefSetting",
+                                   "WARNING - VelUI(#) : GetDefSetting failed. Popup confirm dialog.",
+                                   "Param - VelUI(#) : bReturn"});
     CHECK(OwnLines(logging, "SubSetDevMode").at(1) == "DEBUG - SubVelUi(#) : Set hardcode default DEVMODE");
 }

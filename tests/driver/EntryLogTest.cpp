@@ -88,6 +88,15 @@ TEST_CASE_METHOD(EntryLogFixture, "the work of a query stands between its argume
     CHECK(lines[lines.size() - 2] == "DEBUG - VelUI(#) : dwReturn = 4294967295");
 }
 
+TEST_CASE_METHOD(EntryLogFixture, "the spooler's query stands between its code and its answer", "[driver][log]")
+{
+    wchar_t szNames[64] = {};
+    DrvSplDeviceCaps(nullptr, nullptr, DC_PAPERNAMES, szNames, 64, nullptr);
+    CHECK(Outline(logging, "DrvSplDeviceCaps") == Lines{"INFO - DrvSplDeviceCaps was invoked.",
+                                                        "DEBUG - VelUI(#) : DeviceCap", "> VelUtility::GetComputerCaps",
+                                                        "Param - VelUI(#) : dwReturn"});
+}
+
 TEST_CASE_METHOD(EntryLogFixture, "DrvSplDeviceCaps logs the code once its arguments have passed", "[driver][log]")
 {
     wchar_t szNames[64] = {};
@@ -282,6 +291,9 @@ TEST_CASE_METHOD(EntryLogFixture, "a call inside an entry point opens and closes
     REQUIRE(begin != lines.end());
     REQUIRE(end != lines.end());
     CHECK(begin < end);
+    CHECK(Outline(logging, "DrvConvertDevMode") ==
+          Lines{"INFO - DrvConvertDevMode was invoked.", "Param - DrvConvertDevMode([pPrinterName]",
+                "DEBUG - VelUI(#) : fMode", "> ConvertDevmode", "Param - VelUI(#) : bReturn"});
     CHECK(lines.front() == "VelUI_dll__DrvConvertDevMode :START......");
     CHECK(lines.back() == "VelUI_dll__DrvConvertDevMode :End  ......");
 }

@@ -2,7 +2,7 @@
 #include "driver/Module.h"
 #include "support/module/Resource.h"
 #include "tests/common/BuiltModule.h"
-#include "tests/common/ImportHook.h"
+#include "tests/common/LineAtCall.h"
 #include "tests/common/PrivateRegistry.h"
 #include "tests/common/TempFolder.h"
 #include "tests/common/TextsFrom.h"
@@ -137,6 +137,15 @@ TEST_CASE_METHOD(TextsFixture, "a text that is not there answers 0 and leaves th
     CHECK(SubLoadString(101, strText) == 0);
     CHECK(SubLoadString(109, strText) == 0);
     CHECK(strText == L"before");
+}
+
+TEST_CASE_METHOD(TextsFixture, "the scope of a text's loading is open while Windows loads it", "[driver][texts][log]")
+{
+    const LoggingOn logging{"OutputFunBeginInfo"};
+    const LineAtCall<decltype(LoadStringW)> line(logging, "LoadStringW");
+    std::wstring strText;
+    SubLoadString(105, strText);
+    CHECK(line.Text() == "VelUI_dll__SubLoadString :START......");
 }
 
 TEST_CASE_METHOD(TextsFixture, "a text of 100 characters is cut at 99", "[driver][texts]")

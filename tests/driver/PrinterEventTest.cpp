@@ -353,6 +353,24 @@ TEST_CASE("the two events that start a tool leave their names in the log, and a 
           expected({"INFO - DriverEvent = PRINTER_EVENT_DELETE", "DEBUG - VelUI(#) : pPrinterName = P"}));
 }
 
+TEST_CASE("what an event does stands behind its name in the log, and before its result", "[driver][events][log]")
+{
+    using Lines = std::vector<std::string>;
+    s_strModuleFile.clear();
+    const ImportHook hook(nullptr, "GetModuleFileNameW", &TellModuleFile);
+    const auto outline = [](INT iEvent, std::wstring strName) {
+        const LoggingOn logging{"OutputParam", "OutputFunBeginInfo"};
+        CHECK(DrvPrinterEvent(strName.data(), iEvent, 0, 0) == 1);
+        return Outline(logging, "DrvPrinterEvent");
+    };
+    CHECK(outline(PRINTER_EVENT_ADD_CONNECTION, L"P") ==
+          Lines{"INFO - DrvPrinterEvent was invoked.", "DEBUG - VelUI(#) : pPrinterName", "INFO - DriverEvent",
+                "> MakeDependsFilePath", "> MakeDependsFilePath", "Param - VelUI(#) : bReturn"});
+    CHECK(outline(PRINTER_EVENT_DELETE, kOwnCopy) ==
+          Lines{"INFO - DrvPrinterEvent was invoked.", "DEBUG - VelUI(#) : pPrinterName", "INFO - DriverEvent",
+                "DEBUG - VelUI(#) : pPrinterName", "> MakeDependsFilePath", "Param - VelUI(#) : bReturn"});
+}
+
 TEST_CASE("each event leaves its name in the log, an unknown one its number", "[driver][events][log]")
 {
     const char* const names[] = {"PRINTER_EVENT_CONFIGURATION_CHANGE",

@@ -129,6 +129,9 @@ TEST_CASE_METHOD(DefaultFixture, "a default record tells where it comes from, in
         CHECK(OwnLines(logging, "SubSetDevMode") == Lines{"VelUI_dll__SubSetDevMode :START......",
                                                           "DEBUG - SubVelUi(#) : Set hardcode default DEVMODE",
                                                           "VelUI_dll__SubSetDevMode :End  ......"});
+        CHECK(Outline(logging, "SubSetDevMode") == Lines{"> VelUtility::GetDevDef",
+                                                         "DEBUG - SubVelUi(#) : Set hardcode default DEVMODE",
+                                                         "> SubLoadString", "> SubSetDefPaperSize"});
         CHECK(OwnLines(logging, "SubSetDefPaperSize") ==
               Lines{"VelUI_dll__SubSetDefPaperSize :START......", "VelUI_dll__SubSetDefPaperSize :End  ......"});
     }
@@ -138,6 +141,8 @@ TEST_CASE_METHOD(DefaultFixture, "a default record tells where it comes from, in
     CHECK(OwnLines(logging, "SubSetDevMode") == Lines{"VelUI_dll__SubSetDevMode :START......",
                                                       "DEBUG - SubVelUi(#) : Set default DEVMODE read from file.",
                                                       "VelUI_dll__SubSetDevMode :End  ......"});
+    CHECK(Outline(logging, "SubSetDevMode") ==
+          Lines{"> VelUtility::GetDevDef", "DEBUG - SubVelUi(#) : Set default DEVMODE read from file."});
 }
 
 // Run by the next case in a process of its own.

@@ -197,28 +197,23 @@ TEST_CASE_METHOD(RecordFixture, "a refused mode is logged", "[driver][record][lo
     CHECK(lines[5] == "Param - VelUI(#) : lReturn = -1");
 }
 
-TEST_CASE_METHOD(RecordFixture, "a fill logs the default, the input, the output before and after",
+TEST_CASE_METHOD(RecordFixture,
+                 "a fill logs the default, the input, the output before and after, each where its step is",
                  "[driver][record][log]")
 {
     const LoggingOn logging{"OutputParam", "OutputFunBeginInfo"};
     CHECK(AskLogged(DM_COPY, out.As<DEVMODEW>()) == 1);
-    const Lines lines = OwnLines(logging, "DrvDocumentPropertySheets");
-    Lines heads;
-    for (const std::string& strLine : lines)
-    {
-        if (strLine.compare(0, 6, "DEBUG ") == 0)
-        {
-            heads.push_back(strLine.substr(0, strLine.find(" = ")));
-        }
-    }
-    CHECK(heads == Lines{"DEBUG - VelUI(#) : pPSUIInfo", "DEBUG - VelUI(#) : stuDefDev",
-                         "DEBUG - VelUI(#) : pDPHdr->pdmIn", "DEBUG - VelUI(#) : pDPHdr->pdmOut",
-                         "DEBUG - VelUI(#) : pDPHdr->cbOut", "DEBUG - VelUI(#) : pDPHdr->pdmOut"});
+    CHECK(Outline(logging, "DrvDocumentPropertySheets") ==
+          Lines{"INFO - DrvDocumentPropertySheets was invoked.", "DEBUG - VelUI(#) : pPSUIInfo",
+                "INFO - DrvDocumentPropertySheets - background interactive", "> SubSetDevMode",
+                "DEBUG - VelUI(#) : stuDefDev", "DEBUG - VelUI(#) : pDPHdr->pdmIn", "DEBUG - VelUI(#) : pDPHdr->pdmOut",
+                "DEBUG - VelUI(#) : pDPHdr->cbOut", "> SubConvertDevmodeOut", "DEBUG - VelUI(#) : pDPHdr->pdmOut",
+                "> VelUtility::GetDefSetting", "Param - VelUI(#) : lReturn"});
     CHECK(logging.Has("stuDefDev = {devMode.dmSpecVersion = 0401"));
     CHECK(logging.Has("pDPHdr->pdmIn = 0x0000000000000000"));
     CHECK(logging.Has("pDPHdr->cbOut = 286331153")); // 0x11111111
     CHECK(logging.Has(" => {devMode.dmSpecVersion = 0401"));
-    CHECK(lines.at(lines.size() - 2) == "Param - VelUI(#) : lReturn = 1");
+    CHECK(logging.Has(" : lReturn = 1\n"));
 }
 
 TEST_CASE_METHOD(RecordFixture, "a request that can't be read leaves a warning", "[driver][record][log]")

@@ -1,4 +1,5 @@
 #include "state/BaseMutex.h"
+#include "tests/common/LineAtCall.h"
 #include "tests/common/Threads.h"
 
 #include <catch2/catch_test_macros.hpp>
@@ -91,4 +92,16 @@ TEST_CASE("the destructor gives back a mutex that is still locked", "[state][loc
         CHECK(outer.Lock(0) == 1);
         CHECK(outer.Unlock() != 0);
     });
+}
+
+TEST_CASE("the scope of a lock and of an unlock is open while the platform has the mutex", "[state][locks][log]")
+{
+    CBaseMutex mutex(FALSE, UniqueName(L"scopes").c_str());
+    const LoggingOn logging{"OutputFunBeginInfo"};
+    const LineAtCall<decltype(WaitForSingleObject)> wait(logging, "WaitForSingleObject");
+    const LineAtCall<decltype(ReleaseMutex)> release(logging, "ReleaseMutex");
+    CHECK(mutex.Lock(INFINITE) == 1);
+    CHECK(mutex.Unlock() != 0);
+    CHECK(wait.Text() == "VelUI_dll__VelUtility::CBaseMutex::Lock :START......");
+    CHECK(release.Text() == "VelUI_dll__VelUtility::CBaseMutex::Unlock :START......");
 }

@@ -40,6 +40,13 @@ TEST_CASE_METHOD(PathsFixture, "a message path carries the user that was given",
     CHECK(Path() == L"C:\\Data\\lin_Message.dat");
 }
 
+TEST_CASE_METHOD(PathsFixture, "a user's name that is longer than a file's may be is cut in a message path",
+                 "[state][paths]")
+{
+    CHECK(MakeUserMessageFilePath(L"Message.dat", std::wstring(5000, L'u'), szPath));
+    CHECK(Path() == L"C:\\Data\\" + std::wstring(kStoreNameUnits - 1, L'u'));
+}
+
 TEST_CASE_METHOD(PathsFixture, "a server path is the plain name in the data folder", "[state][paths]")
 {
     CHECK(MakeServerFilePath(L"serverconfig.ini", szPath));

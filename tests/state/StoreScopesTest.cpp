@@ -11,7 +11,7 @@
 #include "state/StorePaths.h"
 #include "state/UserIniFiles.h"
 #include "tests/common/ClientFixture.h"
-#include "tests/common/LogLines.h"
+#include "tests/common/LineAtCall.h"
 
 #include <catch2/catch_test_macros.hpp>
 
@@ -184,4 +184,25 @@ TEST_CASE_METHOD(ClientFixture, "the scope of each function of the store holds a
             CHECK((iOpen > 0) == (ui + 1 < events.size()));
         }
     }
+}
+
+TEST_CASE_METHOD(ClientFixture, "the scope of each function that reads or writes a key is open while Windows does it",
+                 "[state][log]")
+{
+    const std::wstring strFile = ConfigFile();
+    const wchar_t* const pszFile = strFile.c_str();
+    WriteCaps({{L"Copies", L"5"}});
+    const LoggingOn logging{"OutputFunBeginInfo"};
+    const auto checkWrite = [&logging](const char* pszFunction, auto write) {
+        CAPTURE(pszFunction);
+        const LineAtCall<decltype(WritePrivateProfileStringW)> line(logging, "WritePrivateProfileStringW");
+        write();
+        CHECK(line.Text() == std::string("VelUI_dll__VelUtility::") + pszFunction + " :START......");
+    };
+    checkWrite("WritePrivateProfileUINT", [&] { WritePrivateProfileUINT(L"S", L"K", 1, pszFile); });
+    checkWrite("WritePrivateProfileINT", [&] { WritePrivateProfileINT(L"S", L"K", 1, pszFile); });
+    checkWrite("WritePrivateProfileBOOL", [&] { WritePrivateProfileBOOL(L"S", L"K", 1, pszFile); });
+    const LineAtCall<decltype(GetPrivateProfileIntW)> line(logging, "GetPrivateProfileIntW");
+    SubCmpCaps_Rtn(L"Copies", pszFile);
+    CHECK(line.Text() == "VelUI_dll__VelUtility::SubCmpCaps_Rtn :START......");
 }

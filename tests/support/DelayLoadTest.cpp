@@ -135,6 +135,18 @@ BOOL WINAPI KeepSlotLocked(LPVOID pv, SIZE_T cb, DWORD dwProtection, PDWORD pdwB
     return s_pfnProtect(pv, cb, dwProtection, pdwBefore);
 }
 
+size_t s_cbUnlocked = 0;
+DWORD s_dwUnlocked = 0;
+BOOL WINAPI NoteUnlocking(LPVOID pv, SIZE_T cb, DWORD dwProtection, PDWORD pdwBefore)
+{
+    if (pv == DelayedFunction::SlotsPlace())
+    {
+        s_cbUnlocked = cb;
+        s_dwUnlocked = dwProtection;
+    }
+    return s_pfnProtect(pv, cb, dwProtection, pdwBefore);
+}
+
 } // namespace
 
 TEST_CASE("a function's first call loads its library and fills its slot, and the last error stays", "[support][delay]")
@@ -158,6 +170,17 @@ TEST_CASE("a slot that can't be unlocked stays, and the function is called all t
     CHECK(GetLastError() == 4711);
     CHECK(pfn == GetProcAddress(function.Library(), "VerLanguageNameW"));
     CHECK(function.SlotIsUntouched());
+}
+
+TEST_CASE("a slot, and nothing behind it, is unlocked for reading and writing", "[support][delay]")
+{
+    s_pfnProtect = &VirtualProtect;
+    const ImportHook hook(nullptr, "VirtualProtect", &NoteUnlocking);
+    DelayedFunction function("version.dll", "VerLanguageNameW");
+    const FARPROC pfn = function.Resolve();
+    CHECK(function.Slot() == pfn);
+    CHECK(s_cbUnlocked == 8);
+    CHECK(s_dwUnlocked == PAGE_READWRITE);
 }
 
 TEST_CASE("while the process ends no library is loaded, and a call fails as without its library", "[support][delay]")

@@ -1,4 +1,6 @@
+#include "tests/common/HeapUse.h"
 #include "tests/common/Threads.h"
+#include "tests/support/SlimLockWatch.h"
 
 #include <catch2/catch_test_macros.hpp>
 
@@ -31,11 +33,26 @@ struct EmittedVariable
     const void* templ;
 };
 
+EmittedVariable s_watched = {4, 4, 0, nullptr};
+
+int HasNumber()
+{
+    return s_watched.number != 0 ? 1 : 0;
+}
+
 } // namespace
 
 // The compiler has both built in, with void* for what is emitted.
 extern "C" void* __emutls_get_address(void* pvVariable);
 extern "C" void __emutls_register_common(void* pvVariable, std::uintptr_t size, std::uintptr_t align, void* templ);
+
+namespace
+{
+
+/// A call that is made even where the compiler knows the answer, or nobody wants it.
+void* (*volatile s_pfnGetAddress)(void* pvVariable) = &__emutls_get_address;
+
+} // namespace
 
 TEST_CASE("a variable that several objects define gets the largest size and alignment of all", "[support][tls]")
 {
@@ -66,6 +83,19 @@ TEST_CASE("a variable that several objects define starts from the value of the o
     __emutls_register_common(&s_variable, 8, 4, nullptr);
     CHECK(s_variable.templ == s_abyLarge);
     OnThread([] { CHECK(std::memcmp(__emutls_get_address(&s_variable), s_abyLarge, sizeof(s_abyLarge)) == 0); });
+}
+
+TEST_CASE("a variable is given its number under a lock, and then keeps it without one", "[support][tls]")
+{
+    s_watched.number = 0;
+    std::string strSteps;
+    {
+        const SlimLockWatch watch(&HasNumber);
+        s_pfnGetAddress(&s_watched);
+        s_pfnGetAddress(&s_watched);
+        strSteps = SlimLockWatch::Steps();
+    }
+    CHECK(strSteps == "take 0, give 1, ");
 }
 
 TEST_CASE("a thread's variable starts from its initial value and is the thread's own", "[support][tls]")
@@ -153,6 +183,30 @@ TEST_CASE("each of many variables keeps its place and value while a thread's sto
             }
         }
     });
+}
+
+TEST_CASE("a thread's end frees each of its variables", "[support][tls]")
+{
+    constexpr size_t kSize = 100000;
+    static EmittedVariable s_variables[3];
+    for (EmittedVariable& variable : s_variables)
+    {
+        variable = {kSize, alignof(int), 0, nullptr};
+    }
+    const size_t uiBefore = HeapInUse(GetProcessHeap());
+    size_t uiRunning = 0;
+    for (int i = 0; i < 5; ++i)
+    {
+        OnThread([&uiRunning] {
+            for (EmittedVariable& variable : s_variables)
+            {
+                s_pfnGetAddress(&variable);
+            }
+            uiRunning = HeapInUse(GetProcessHeap());
+        });
+    }
+    CHECK(uiRunning > uiBefore + 3 * kSize);
+    CHECK(HeapInUse(GetProcessHeap()) < uiBefore + kSize);
 }
 
 TEST_CASE("using a thread's variable leaves the last error alone", "[support][tls]")

@@ -43,6 +43,21 @@ std::string CaughtAs(Make make)
     }
 }
 
+/// Leaves a text and says that there is none.
+DWORD WINAPI FormatWithoutLength(DWORD, LPCVOID, DWORD, DWORD, LPWSTR pszBuffer, DWORD, va_list*)
+{
+    auto* const pszText = static_cast<wchar_t*>(LocalAlloc(LPTR, 20));
+    pszText[0] = L'x';
+    *reinterpret_cast<wchar_t**>(pszBuffer) = pszText;
+    return 0;
+}
+
+/// Tells a text's length and leaves none.
+DWORD WINAPI FormatWithoutText(DWORD, LPCVOID, DWORD, DWORD, LPWSTR, DWORD, va_list*)
+{
+    return 5;
+}
+
 } // namespace
 
 TEST_CASE("invalid data tells its message in all four texts", "[support][exceptions]")
@@ -130,6 +145,16 @@ TEST_CASE("the text of a system error ends without the system's line break", "[s
 TEST_CASE("a code without a system text is unknown", "[support][exceptions]")
 {
     CHECK(Win32::FormatLastErrorText(L"Api", 4000000000u, nullptr) == L"Api failed. last error = 4000000000 (unknown)");
+}
+
+TEST_CASE("a system text is unknown unless Windows tells both its length and where it is", "[support][exceptions]")
+{
+    {
+        const ImportHook hook(nullptr, "FormatMessageW", &FormatWithoutLength);
+        CHECK(Win32::FormatLastErrorText(L"Api", 2, nullptr) == L"Api failed. last error = 2 (unknown)");
+    }
+    const ImportHook hook(nullptr, "FormatMessageW", &FormatWithoutText);
+    CHECK(Win32::FormatLastErrorText(L"Api", 2, nullptr) == L"Api failed. last error = 2 (unknown)");
 }
 
 TEST_CASE("texts convert both ways in the C locale up to the first NUL", "[support][conversion]")

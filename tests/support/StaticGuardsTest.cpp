@@ -1,7 +1,10 @@
+#include "tests/support/SlimLockWatch.h"
+
 #include <catch2/catch_test_macros.hpp>
 
 #include <windows.h>
 
+#include <cxxabi.h>
 #include <stdexcept>
 
 namespace
@@ -25,6 +28,15 @@ LONG SlowValue()
 {
     static const Slow s_slow;
     return s_slow.lValue;
+}
+
+__cxxabiv1::__guard s_guard = 0;
+
+/// 0 for a guard of which nothing is known, 1 while its variable is made, 2 once it stands.
+int GuardState()
+{
+    const auto* const pby = reinterpret_cast<const unsigned char*>(&s_guard);
+    return pby[0] != 0 ? 2 : pby[1];
 }
 
 int s_iTries = 0;
@@ -79,4 +91,22 @@ TEST_CASE("a function's static whose making throws is made anew at the next call
     CHECK(ThirdTimeValue() == 9);
     CHECK(ThirdTimeValue() == 9);
     CHECK(s_iTries == 3);
+}
+
+TEST_CASE("what a guard says of a function's static is read and changed under one lock", "[support][statics]")
+{
+    s_guard = 0;
+    std::string strSteps;
+    {
+        const SlimLockWatch watch(&GuardState);
+        CHECK(__cxxabiv1::__cxa_guard_acquire(&s_guard) == 1);
+        __cxxabiv1::__cxa_guard_abort(&s_guard);
+        CHECK(__cxxabiv1::__cxa_guard_acquire(&s_guard) == 1);
+        __cxxabiv1::__cxa_guard_release(&s_guard);
+        CHECK(__cxxabiv1::__cxa_guard_acquire(&s_guard) == 0);
+        strSteps = SlimLockWatch::Steps();
+    }
+    CHECK(strSteps == "take 0, give 1, take 1, give 0, " // it is made, which fails
+                      "take 0, give 1, take 1, give 2, " // it is made
+                      "take 2, give 2, ");               // it stands
 }

@@ -1,5 +1,7 @@
 // The about page and its picture.
 
+#include "tests/common/GuardedBuffer.h"
+#include "tests/common/ImportHook.h"
 #include "tests/common/LogLines.h"
 #include "tests/ui/DrivenFixture.h"
 #include "tests/ui/SettingsFixture.h"
@@ -7,6 +9,9 @@
 
 #include <catch2/catch_test_macros.hpp>
 #include <catch2/generators/catch_generators.hpp>
+
+#include <cstdlib>
+#include <utility>
 
 namespace
 {
@@ -54,6 +59,63 @@ struct ShownPicture
 
 constexpr DWORD kGround = 0x1F5FA8; // what the picture's parts are painted with
 constexpr DWORD kPaper = 0xFFFFFF;
+
+/// Where a picture's four corners are on the page, in its pixels.
+void CornersOnPage(HWND hPage, POINT (&corners)[4])
+{
+    const HWND hControl = GetDlgItem(hPage, 1011);
+    RECT place = {};
+    GetClientRect(hControl, &place);
+    for (int i = 0; i < 4; ++i)
+    {
+        corners[i] = {i % 2 == 0 ? 0 : place.right - 1, i < 2 ? 0 : place.bottom - 1};
+    }
+    MapWindowPoints(hControl, hPage, corners, 4);
+}
+
+constexpr COLORREF kCornerColours[4] = {RGB(0xC0, 0, 0), RGB(0, 0xC0, 0), RGB(0, 0, 0xC0), RGB(0xC0, 0xC0, 0)};
+
+/// The about page on a background of its own, which has another colour behind each of the picture's corners.
+INT_PTR CALLBACK ProColouredPage(HWND hDlg, UINT uiMessage, WPARAM wParam, LPARAM lParam)
+{
+    if (uiMessage == WM_ERASEBKGND)
+    {
+        POINT corners[4];
+        CornersOnPage(hDlg, corners);
+        for (int i = 0; i < 4; ++i)
+        {
+            SetPixel(reinterpret_cast<HDC>(wParam), corners[i].x, corners[i].y, kCornerColours[i]);
+        }
+        return 1;
+    }
+    return ProAbouPage(hDlg, uiMessage, wParam, lParam);
+}
+
+constexpr size_t kPictureBytes = 4 * 280 * 276; // of the module's own picture
+GuardedBuffer* s_pGuarded = nullptr;
+
+/// Puts the module's picture against a page that can't be touched.
+void* GuardPicture(size_t uiCount, size_t cbSize)
+{
+    static auto* const pfnCalloc = reinterpret_cast<decltype(&std::calloc)>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt"), "calloc")));
+    if (uiCount * cbSize == kPictureBytes && s_pGuarded == nullptr)
+    {
+        s_pGuarded = new GuardedBuffer(kPictureBytes, 0);
+        return s_pGuarded->Get();
+    }
+    return pfnCalloc(uiCount, cbSize);
+}
+
+void FreeUnlessGuarded(void* p)
+{
+    static auto* const pfnFree = reinterpret_cast<decltype(&std::free)>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt"), "free")));
+    if (s_pGuarded == nullptr || p != s_pGuarded->Get())
+    {
+        pfnFree(p);
+    }
+}
 
 /// A colour as pixels hold it.
 DWORD AsPixel(COLORREF colour)
@@ -164,6 +226,37 @@ TEST_CASE_METHOD(AboutFixture, "the about picture has round corners on the page'
     CHECK(picture.At(0, 80) == kGround);
     CHECK(picture.At(80, 159.5) == kGround);
     CHECK(picture.At(159.5, 80) == kGround);
+}
+
+TEST_CASE_METHOD(AboutFixture, "each corner of the about picture shows what the page has behind it", "[ui][about]")
+{
+    const PageWindow page(module.handle, IDD_ABOUT, &ProColouredPage, 0);
+    const ShownPicture picture(page.Item(1011));
+    for (int i = 0; i < 4; ++i)
+    {
+        CAPTURE(i);
+        CHECK(picture.Corner(i) == AsPixel(kCornerColours[i]));
+    }
+}
+
+TEST_CASE_METHOD(AboutFixture, "nothing is read behind the about picture's last pixel", "[ui][about]")
+{
+    const PageWindow page = Open();
+    ShowWindow(page.Get(), SW_HIDE);
+    const SIZE size = GENERATE(SIZE{140, 138}, SIZE{177, 171}, SIZE{420, 414});
+    CAPTURE(size.cx);
+    SetWindowPos(page.Item(1011), nullptr, 0, 0, size.cx, size.cy, SWP_NOMOVE | SWP_NOZORDER);
+    {
+        const ImportHook callocHook(nullptr, "calloc", &GuardPicture);
+        const ImportHook freeHook(nullptr, "free", &FreeUnlessGuarded);
+        ShowWindow(page.Get(), SW_SHOW);
+    }
+    const bool bReached = s_pGuarded != nullptr;
+    delete std::exchange(s_pGuarded, nullptr);
+    REQUIRE(bReached);
+    const ShownPicture picture(page.Item(1011));
+    CHECK(picture.bitmap.bmWidth == size.cx);
+    CHECK(picture.At(80, 159.5) == kGround);
 }
 
 TEST_CASE_METHOD(DrivenFixture, "in a sheet the about picture's corners cannot be told from the page",

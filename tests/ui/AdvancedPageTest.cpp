@@ -1,4 +1,4 @@
-#include "tests/common/LogLines.h"
+#include "tests/common/LineAtCall.h"
 #include "tests/ui/SettingsFixture.h"
 #include "ui/AdvancedPage.h"
 
@@ -205,6 +205,19 @@ TEST_CASE_METHOD(AdvancedFixture, "the setting's two functions give what they ar
     CHECK_FALSE(page.Checked(1006));
     CHECK(SubGetDlgSenior(page.Get(), &data) == 1);
     CHECK(out.dwNoWaterPrint == 0);
+}
+
+TEST_CASE_METHOD(AdvancedFixture, "the scopes of the page's work are open while it sets and reads the box",
+                 "[ui][advanced][log]")
+{
+    const PageWindow page = Open();
+    const LoggingOn logging{"OutputFunBeginInfo"};
+    const LineAtCall<decltype(CheckDlgButton)> set(logging, "CheckDlgButton");
+    const LineAtCall<decltype(IsDlgButtonChecked)> read(logging, "IsDlgButtonChecked");
+    SubDefDlgSenior(page.Get(), &data);
+    SubGetDlgSenior(page.Get(), &data);
+    CHECK(set.Text() == "VelUI_dll__SubDefDlgSenior :START......");
+    CHECK(read.Text() == "VelUI_dll__SubGetDlgSenior :START......");
 }
 
 TEST_CASE_METHOD(AdvancedFixture, "the pages write no log lines but their scopes", "[ui][advanced][log]")

@@ -117,6 +117,10 @@ TEST_CASE_METHOD(LoggedDeviceFixture, "a device sheet's calls log their reasons"
         expected.insert(expected.end(), once.begin(), once.end());
     }
     CHECK(Own() == expected);
+    Lines opened = Outline(logging, "DrvDevicePropertySheets");
+    opened.resize(5);
+    CHECK(opened == Lines{"INFO - DrvDevicePropertySheets was invoked.", "DEBUG - VelUI(#) : pPSUIInfo->Reason",
+                          "> SubLoadString", "> SubAddpropertySheet", "Param - VelUI(#) : lReturn"});
 }
 
 TEST_CASE_METHOD(LoggedDeviceFixture, "a device sheet's unknown reason is logged with its number",

@@ -404,6 +404,13 @@ TEST_CASE_METHOD(LoggedDocumentFixture, "an opened sheet logs its road", "[drive
               "DEBUG - VelUI(#) : (DEVMODE *)((DOCUMENTPROPERTYHEADER *)(pPSUIInfo->lParamInit))->pdmIn = 0x") == 0);
     CHECK(own[own.size() - 2] == "Param - VelUI(#) : lReturn = 1");
     CHECK(own.back() == kEnd);
+    Lines outline = Outline(logging, "DrvDocumentPropertySheets");
+    REQUIRE(outline.size() > 4);
+    outline.erase(outline.begin(), outline.begin() + 3); // as above
+    CHECK(outline == Lines{"DEBUG - VelUI(#) : (DEVMODE *)((DOCUMENTPROPERTYHEADER *)(pPSUIInfo->lParamInit))->pdmIn",
+                           "> SubLoadString", "> SubLoadString", "> SubLoadString", "> VelUtility::GetDefSetting",
+                           "> GetPaperInfoList", "> GetPaperInfoList", "> SubAddpropertySheet", "> SubAddpropertySheet",
+                           "> SubAddpropertySheet", "Param - VelUI(#) : lReturn"});
     calls.Call(PROPSHEETUI_REASON_DESTROY);
 }
 
@@ -415,6 +422,10 @@ TEST_CASE_METHOD(LoggedDocumentFixture, "a sheet without an input logs where its
     const Lines own = Own();
     CHECK(own.at(4) == "INFO - SubSetDevMode to pstuPassData->pdmIn");
     CHECK(own.at(5) == "DEBUG - VelUI(#) : pstuPassData->pdmIn->stuDevmode = {devMode.dmSpecVersion = 0401");
+    const Lines outline = Outline(logging, "DrvDocumentPropertySheets");
+    CHECK(outline.at(3) == "INFO - SubSetDevMode to pstuPassData->pdmIn");
+    CHECK(outline.at(4) == "> SubSetDevMode");
+    CHECK(outline.at(5) == "DEBUG - VelUI(#) : pstuPassData->pdmIn->stuDevmode");
     CHECK_FALSE(logging.Has("SubSetDevMode to pstuPassData->pdmOut"));
     calls.Call(PROPSHEETUI_REASON_DESTROY);
 }

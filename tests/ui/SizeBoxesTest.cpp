@@ -89,6 +89,16 @@ TEST_CASE_METHOD(SizeFixture, "a height below the least keeps the width from its
                  {{L"wide", 300, 3000, 2000}, {L"wider", 301, 4000, 2000}}, L"400", L"20") == L"wider");
 }
 
+TEST_CASE_METHOD(SizeFixture, "a size of exactly the least is not below it", "[ui][settings]")
+{
+    // The height is not raised, and so the width meets its second limit, 300 mm.
+    CHECK(Search({{L"MinExtent", Extent(100, 2000)}, {L"MaxExtent", Extent(5000, 3000)}},
+                 {{L"wide", 300, 3000, 2000}, {L"wider", 301, 4000, 2000}}, L"400", L"200") == L"wide");
+    // The width is not raised, and so it meets its first one, of a printer whose limits contradict each other.
+    CHECK(Search({{L"MinExtent", Extent(4000, 100)}, {L"MaxExtent", Extent(3000, 5000)}},
+                 {{L"wide", 300, 3000, 2000}, {L"wider", 301, 4000, 2000}}, L"400", L"200") == L"wide");
+}
+
 TEST_CASE_METHOD(SizeFixture, "without both limits none is looked at", "[ui][settings]")
 {
     const CapKeys limits =
