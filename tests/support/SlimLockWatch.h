@@ -15,10 +15,11 @@ public:
     /// @param pfnState gives the state, a digit; called before a lock is taken and before it is given back.
     explicit SlimLockWatch(int (*pfnState)())
     {
-        s_pfnState = pfnState;
         s_strSteps.clear();
         s_strSteps.reserve(200);
+        s_pfnState = pfnState; // now that both hooks are there: what made them may have taken locks
     }
+    ~SlimLockWatch() { s_pfnState = nullptr; }
 
     /// So far: "take 0, give 1, ".
     static std::string Steps() { return s_strSteps; }
@@ -26,7 +27,10 @@ public:
 private:
     static void Note(const char* pszStep)
     {
-        ((s_strSteps += pszStep) += static_cast<char>('0' + s_pfnState())) += ", ";
+        if (s_pfnState != nullptr)
+        {
+            ((s_strSteps += pszStep) += static_cast<char>('0' + s_pfnState())) += ", ";
+        }
     }
     static void WINAPI Take(PSRWLOCK pLock)
     {
