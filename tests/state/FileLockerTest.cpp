@@ -4,6 +4,8 @@
 
 #include <catch2/catch_test_macros.hpp>
 
+#include <cstring>
+#include <new>
 #include <string>
 
 using namespace VelUtility;
@@ -39,6 +41,18 @@ TEST_CASE("a path too long to be made full gives a failed locker", "[state][lock
     const CFileLocker locker((L"C:\\" + std::wstring(400, L'x')).c_str());
     CHECK(locker.bFailed == 1);
     CHECK(locker.pMutex == nullptr);
+}
+
+TEST_CASE("a locker that is gone has left the word that it failed", "[state][locks]")
+{
+    alignas(CFileLocker) unsigned char abyPlace[sizeof(CFileLocker)];
+    auto* const pLocker = new (abyPlace) CFileLocker(L"C:\\data\\gone.ini");
+    const unsigned char* const pbyFailed = reinterpret_cast<unsigned char*>(&pLocker->bFailed);
+    REQUIRE(pLocker->bFailed == 0);
+    pLocker->~CFileLocker();
+    BOOL bFailed = 0;
+    std::memcpy(&bFailed, pbyFailed, sizeof(bFailed));
+    CHECK(bFailed == 1);
 }
 
 TEST_CASE("two spellings of a path give one mutex, named by the lower-case path with bars", "[state][locks]")
