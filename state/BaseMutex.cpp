@@ -7,10 +7,10 @@ VELUI_SOURCE_MODULE(".\\BaseMutex");
 namespace VelUtility
 {
 
-CBaseMutex::CBaseMutex(BOOL bInitialOwner, const wchar_t* pszName)
-    : hMutex(CreateMutexW(nullptr, bInitialOwner, pszName))
+CBaseMutex::CBaseMutex(BOOL bInitialOwner, const wchar_t* pszName) : hMutex(nullptr)
 {
     const FunctionScope scope("VelUtility::CBaseMutex::CBaseMutex");
+    hMutex = CreateMutexW(nullptr, bInitialOwner, pszName);
     if (hMutex == nullptr)
     {
         LOG_ERROR("GetLastError() = %u", static_cast<unsigned>(GetLastError()));

@@ -89,8 +89,7 @@ std::wstring FormatLastErrorText(const wchar_t* pszApi, DWORD dwErrorCode, const
     {
         // The system's text ends in a line break.
         std::wstring strSystem = pszBuffer;
-        boost::trim_right(strSystem);
-        boost::trim_left(strSystem);
+        boost::trim(strSystem);
         text << strSystem << L')';
     }
     else

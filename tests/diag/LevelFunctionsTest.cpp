@@ -308,6 +308,18 @@ TEST_CASE("a call site's line names the source module and the line", "[diag][lev
                   "[ThreadID:#] INFO - F was invoked."});
 }
 
+TEST_CASE("a class's name may be longer than all the rest of a frame's", "[diag][level]")
+{
+    LogSetup setup;
+    setup.strCategory = "M";
+    const LoggingOn logging(setup);
+    const std::string strClass(100, 'c');
+    TraceFunctionBegin("M", strClass.c_str(), "F");
+    LogInfo("here");
+    TraceFunctionEnd();
+    CHECK(logging.Has("INFO - here"));
+}
+
 TEST_CASE("without a category for the module a message is silent", "[diag][level]")
 {
     LogSetup setup;

@@ -4,6 +4,7 @@
 
 #include <catch2/catch_test_macros.hpp>
 
+#include <memory>
 #include <string>
 
 using namespace VelUtility;
@@ -94,14 +95,23 @@ TEST_CASE("the destructor gives back a mutex that is still locked", "[state][loc
     });
 }
 
-TEST_CASE("the scope of a lock and of an unlock is open while the platform has the mutex", "[state][locks][log]")
+TEST_CASE("the scope of each of a mutex's functions is open while the platform has the mutex", "[state][locks][log]")
 {
-    CBaseMutex mutex(FALSE, UniqueName(L"scopes").c_str());
+    const std::wstring strName = UniqueName(L"scopes");
     const LoggingOn logging{"OutputFunBeginInfo"};
+    const LineAtCall<decltype(CreateMutexW)> create(logging, "CreateMutexW");
     const LineAtCall<decltype(WaitForSingleObject)> wait(logging, "WaitForSingleObject");
+    {
+        CBaseMutex mutex(FALSE, strName.c_str());
+        CHECK(create.Text() == "VelUI_dll__VelUtility::CBaseMutex::CBaseMutex :START......");
+        CHECK(mutex.Lock(INFINITE) == 1);
+        CHECK(wait.Text() == "VelUI_dll__VelUtility::CBaseMutex::Lock :START......");
+        const LineAtCall<decltype(ReleaseMutex)> release(logging, "ReleaseMutex");
+        CHECK(mutex.Unlock() != 0);
+        CHECK(release.Text() == "VelUI_dll__VelUtility::CBaseMutex::Unlock :START......");
+    }
+    auto mutex = std::make_unique<CBaseMutex>(FALSE, strName.c_str());
     const LineAtCall<decltype(ReleaseMutex)> release(logging, "ReleaseMutex");
-    CHECK(mutex.Lock(INFINITE) == 1);
-    CHECK(mutex.Unlock() != 0);
-    CHECK(wait.Text() == "VelUI_dll__VelUtility::CBaseMutex::Lock :START......");
-    CHECK(release.Text() == "VelUI_dll__VelUtility::CBaseMutex::Unlock :START......");
+    mutex.reset();
+    CHECK(release.Text() == "VelUI_dll__VelUtility::CBaseMutex::~CBaseMutex :START......");
 }

@@ -1,4 +1,5 @@
 #include "state/FileLocker.h"
+#include "tests/common/ImportHook.h"
 #include "tests/common/LockHolder.h"
 #include "tests/common/TempFolder.h"
 
@@ -24,6 +25,13 @@ bool MutexExists(const wchar_t* pszName)
     return hMutex != nullptr;
 }
 
+/// Fails and leaves a part of its work, which the platform's own does not promise not to.
+wchar_t* FailHalfWay(wchar_t* szFull, const wchar_t*, size_t)
+{
+    wcscpy(szFull, L"c:\\half");
+    return nullptr;
+}
+
 } // namespace
 
 TEST_CASE("a null path gives a locker whose lock and unlock return 0, and no exception", "[state][locks]")
@@ -39,6 +47,14 @@ TEST_CASE("a null path gives a locker whose lock and unlock return 0, and no exc
 TEST_CASE("a path too long to be made full gives a failed locker", "[state][locks]")
 {
     const CFileLocker locker((L"C:\\" + std::wstring(400, L'x')).c_str());
+    CHECK(locker.bFailed == 1);
+    CHECK(locker.pMutex == nullptr);
+}
+
+TEST_CASE("what is left of a path that can't be made full names no lock", "[state][locks]")
+{
+    const ImportHook hook(nullptr, "_wfullpath", &FailHalfWay);
+    const CFileLocker locker(L"C:\\data\\a.ini");
     CHECK(locker.bFailed == 1);
     CHECK(locker.pMutex == nullptr);
 }

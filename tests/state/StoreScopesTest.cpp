@@ -202,7 +202,19 @@ TEST_CASE_METHOD(ClientFixture, "the scope of each function that reads or writes
     checkWrite("WritePrivateProfileUINT", [&] { WritePrivateProfileUINT(L"S", L"K", 1, pszFile); });
     checkWrite("WritePrivateProfileINT", [&] { WritePrivateProfileINT(L"S", L"K", 1, pszFile); });
     checkWrite("WritePrivateProfileBOOL", [&] { WritePrivateProfileBOOL(L"S", L"K", 1, pszFile); });
-    const LineAtCall<decltype(GetPrivateProfileIntW)> line(logging, "GetPrivateProfileIntW");
-    SubCmpCaps_Rtn(L"Copies", pszFile);
-    CHECK(line.Text() == "VelUI_dll__VelUtility::SubCmpCaps_Rtn :START......");
+    {
+        const LineAtCall<decltype(GetPrivateProfileIntW)> line(logging, "GetPrivateProfileIntW");
+        SubCmpCaps_Rtn(L"Copies", pszFile);
+        CHECK(line.Text() == "VelUI_dll__VelUtility::SubCmpCaps_Rtn :START......");
+    }
+    {
+        const LineAtCall<decltype(GetPrivateProfileIntW)> line(logging, "GetPrivateProfileIntW");
+        DWORD dwValue = 0;
+        SubCmpCaps_IntArray(L"Papers", pszFile, &dwValue, 1);
+        CHECK(line.Text() == "VelUI_dll__VelUtility::SubCmpCaps_IntArray :START......");
+    }
+    const LineAtCall<decltype(GetPrivateProfileStringW)> line(logging, "GetPrivateProfileStringW");
+    wchar_t szName[24];
+    SubCmpCaps_StrArray(L"BinNames", pszFile, szName, 1, 24);
+    CHECK(line.Text() == "VelUI_dll__VelUtility::SubCmpCaps_StrArray :START......");
 }

@@ -73,6 +73,15 @@ void CornersOnPage(HWND hPage, POINT (&corners)[4])
     MapWindowPoints(hControl, hPage, corners, 4);
 }
 
+bool s_bDrawn = false;
+bool s_bDrawnAtFlush = false;
+
+BOOL WINAPI NoteFlush()
+{
+    s_bDrawnAtFlush = s_bDrawn;
+    return TRUE;
+}
+
 constexpr COLORREF kCornerColours[4] = {RGB(0xC0, 0, 0), RGB(0, 0xC0, 0), RGB(0, 0, 0xC0), RGB(0xC0, 0xC0, 0)};
 
 /// The about page on a background of its own, which has another colour behind each of the picture's corners.
@@ -86,6 +95,7 @@ INT_PTR CALLBACK ProColouredPage(HWND hDlg, UINT uiMessage, WPARAM wParam, LPARA
         {
             SetPixel(reinterpret_cast<HDC>(wParam), corners[i].x, corners[i].y, kCornerColours[i]);
         }
+        s_bDrawn = true;
         return 1;
     }
     return ProAbouPage(hDlg, uiMessage, wParam, lParam);
@@ -237,6 +247,16 @@ TEST_CASE_METHOD(AboutFixture, "each corner of the about picture shows what the 
         CAPTURE(i);
         CHECK(picture.Corner(i) == AsPixel(kCornerColours[i]));
     }
+}
+
+TEST_CASE_METHOD(AboutFixture,
+                 "what Windows keeps back of the page's drawing is drawn before the picture is laid over it",
+                 "[ui][about]")
+{
+    s_bDrawn = s_bDrawnAtFlush = false;
+    const ImportHook hook(nullptr, "GdiFlush", &NoteFlush);
+    const PageWindow page(module.handle, IDD_ABOUT, &ProColouredPage, 0);
+    CHECK(s_bDrawnAtFlush);
 }
 
 TEST_CASE_METHOD(AboutFixture, "nothing is read behind the about picture's last pixel", "[ui][about]")

@@ -3,6 +3,7 @@
 #include "tests/common/ChildCase.h"
 #include "tests/common/GuardedBuffer.h"
 #include "tests/common/ImportHook.h"
+#include "tests/common/LineAtCall.h"
 #include "tests/ui/DocumentFixture.h"
 
 #include <catch2/catch_test_macros.hpp>
@@ -411,6 +412,15 @@ TEST_CASE_METHOD(LoggedDocumentFixture, "an opened sheet logs its road", "[drive
                            "> SubLoadString", "> SubLoadString", "> SubLoadString", "> VelUtility::GetDefSetting",
                            "> GetPaperInfoList", "> GetPaperInfoList", "> SubAddpropertySheet", "> SubAddpropertySheet",
                            "> SubAddpropertySheet", "Param - VelUI(#) : lReturn"});
+    calls.Call(PROPSHEETUI_REASON_DESTROY);
+}
+
+TEST_CASE_METHOD(LoggedDocumentFixture, "the scope of a page's adding is open while Windows makes the page",
+                 "[driver][sheet][log]")
+{
+    const LineAtCall<decltype(CreatePropertySheetPageW)> line(logging, "CreatePropertySheetPageW");
+    REQUIRE(calls.Call(PROPSHEETUI_REASON_INIT) == 1);
+    CHECK(line.Text() == "VelUI_dll__SubAddpropertySheet :START......");
     calls.Call(PROPSHEETUI_REASON_DESTROY);
 }
 

@@ -221,6 +221,16 @@ TEST_CASE_METHOD(SheetLogFixture, "the log of a sheet that was opened, changed a
                    scope.strOuter == std::string("VelUI_dll__") + nested.second;
         }));
     }
+    // What the printer can do is asked for the list of papers, and then by each part of the page.
+    Lines queries;
+    for (const std::string& strLine : lines)
+    {
+        if (strLine.rfind("DEBUG - GetComputerCaps(", 0) == 0)
+        {
+            queries.push_back(strLine.substr(24));
+        }
+    }
+    CHECK(queries == Lines{"2)", "2)", "16)", "2)", "3)", "17)", "32)", "7)"});
     // Each debug line is followed by the functions that were running.
     const std::string strDumpHead = "@_@ ---------\tCall\tStack\t-----------";
     const auto dumps = std::count_if(lines.begin(), lines.end(), [&strDumpHead](const std::string& strLine) {

@@ -99,6 +99,21 @@ TEST_CASE_METHOD(SizeFixture, "a size of exactly the least is not below it", "[u
                  {{L"wide", 300, 3000, 2000}, {L"wider", 301, 4000, 2000}}, L"400", L"200") == L"wide");
 }
 
+TEST_CASE_METHOD(SizeFixture, "the greatest size is asked for in front of the least, and both in front of the search",
+                 "[ui][settings][log]")
+{
+    UsePapers(kPapers, {});
+    const PageWindow page = Open();
+    const LoggingOn logging{"OutputParam", "OutputFunBeginInfo"};
+    Sub_On_Edit(page.Get(), EN_CHANGE, &data);
+    const std::string strLog = logging.Text();
+    CHECK(strLog.find("DEBUG - GetComputerCaps(5)") < strLog.find("DEBUG - GetComputerCaps(4)"));
+    CHECK(strLog.find("DEBUG - GetComputerCaps(4)") != std::string::npos);
+    CHECK(Outline(logging, "Sub_On_Edit") ==
+          std::vector<std::string>{"> SubGetEditToINT", "> SubGetEditToINT", "> VelUtility::GetComputerCaps",
+                                   "> VelUtility::GetComputerCaps", "> SubCheckPaperName"});
+}
+
 TEST_CASE_METHOD(SizeFixture, "without both limits none is looked at", "[ui][settings]")
 {
     const CapKeys limits =
