@@ -15,8 +15,10 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstring>
 #include <malloc.h>
 #include <string_view>
+#include <utility>
 
 namespace
 {
@@ -37,7 +39,33 @@ const Names kAllNames = {"pPrinterName", "pwDeviceName",
                          "nDuplex",      "uiCount",
                          "hEdit",        "pstuPaperInfo, dwCount"};
 
-Names* s_pGivenBack = nullptr;
+/// What a call has allocated so far, and the names in what it has given back of it; null between two calls.
+struct Watched
+{
+    std::vector<void*> blocks;
+    Names names;
+};
+Watched* s_pWatched = nullptr;
+
+template <typename Function>
+Function* Platform(const char* pszName)
+{
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt"), pszName)));
+}
+
+/// Gives memory that holds nothing of what it was before.
+void* WatchMalloc(size_t cbSize)
+{
+    Watched* const pWatched = std::exchange(s_pWatched, nullptr); // not of what this function itself allocates
+    void* const p = Platform<void*(size_t)>("malloc")(cbSize);
+    if (p != nullptr && pWatched != nullptr)
+    {
+        std::memset(p, 0, cbSize);
+        pWatched->blocks.push_back(p);
+    }
+    s_pWatched = pWatched;
+    return p;
+}
 
 /// Whether a block holds a text, with a terminator, that is no longer one's end.
 bool Holds(std::string_view strBlock, const std::string& strText)
@@ -51,39 +79,38 @@ bool Holds(std::string_view strBlock, const std::string& strText)
 /// Takes note of the names that are in what is given back.
 void WatchFree(void* p)
 {
-    static auto* const pfnFree =
-        reinterpret_cast<void (*)(void*)>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt"), "free")));
-    Names* const pGivenBack = std::exchange(s_pGivenBack, nullptr); // not of what this function itself frees
-    if (p != nullptr && pGivenBack != nullptr)
+    Watched* const pWatched = std::exchange(s_pWatched, nullptr);
+    if (pWatched != nullptr && std::count(pWatched->blocks.begin(), pWatched->blocks.end(), p) != 0)
     {
         const std::string_view strBlock(static_cast<const char*>(p), _msize(p));
         const auto found = std::find_if(kAllNames.begin(), kAllNames.end(),
                                         [strBlock](const std::string& strName) { return Holds(strBlock, strName); });
         if (found != kAllNames.end())
         {
-            pGivenBack->push_back(*found);
+            pWatched->names.push_back(*found);
         }
+        pWatched->blocks.erase(std::find(pWatched->blocks.begin(), pWatched->blocks.end(), p));
     }
-    s_pGivenBack = pGivenBack;
-    pfnFree(p);
+    s_pWatched = pWatched;
+    Platform<void(void*)>("free")(p);
 }
 
 /// The names that a call has given back, in order.
 Names GivenBackBy(void (*pfnCall)())
 {
-    Names names;
-    names.reserve(100);
+    Watched watched;
     LogSetup setup;
     setup.strPriority = "FATAL"; // with which arguments are kept, and none of the calls writes a line
     const LoggingOn logging(setup);
     {
-        const ImportHook hook(nullptr, "free", &WatchFree);
-        s_pGivenBack = &names;
+        const ImportHook mallocHook(nullptr, "malloc", &WatchMalloc);
+        const ImportHook freeHook(nullptr, "free", &WatchFree);
+        s_pWatched = &watched;
         pfnCall();
-        s_pGivenBack = nullptr;
+        s_pWatched = nullptr;
     }
     CHECK(logging.Text().empty());
-    return names;
+    return watched.names;
 }
 
 stuDrvDevmode s_in;

@@ -1,6 +1,7 @@
 // DrvDevicePropertySheets as the sheet library calls it, reason by reason.
 
 #include "tests/common/ChildCase.h"
+#include "tests/common/HeapUse.h"
 #include "tests/common/ImportHook.h"
 #include "tests/common/LogLines.h"
 #include "tests/driver/SheetCalls.h"
@@ -100,6 +101,19 @@ TEST_CASE_METHOD(DeviceFixture, "a device sheet without memory for its page fail
     const ImportHook hook(module.handle, "malloc", &FailPageMalloc);
     CHECK(calls.Call(PROPSHEETUI_REASON_INIT) == -1);
     CHECK(calls.taker.calls.empty());
+}
+
+TEST_CASE_METHOD(LoggedDeviceFixture, "a refused page's description is given back", "[driver][device]")
+{
+    calls.taker.uiRefused = 1;
+    REQUIRE(calls.Call(PROPSHEETUI_REASON_INIT) == -1);
+    const size_t cbBefore = HeapInUse();
+    for (int i = 0; i < 100; ++i)
+    {
+        calls.taker.uiRefused = 1;
+        calls.Call(PROPSHEETUI_REASON_INIT);
+    }
+    CHECK(HeapInUse() < cbBefore + 100 * sizeof(PROPSHEETPAGEW) / 2);
 }
 
 TEST_CASE_METHOD(LoggedDeviceFixture, "a device sheet's calls log their reasons", "[driver][device][log]")
