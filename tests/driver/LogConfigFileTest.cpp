@@ -1,8 +1,7 @@
 // Where the module looks for its log configuration.
 
 #include "driver/Module.h"
-#include "tests/common/ImportHook.h"
-#include "tests/common/LogLines.h"
+#include "tests/common/LineAtCall.h"
 #include "tests/common/PrivateRegistry.h"
 #include "tests/common/TempFolder.h"
 
@@ -46,7 +45,9 @@ TEST_CASE_METHOD(LogConfigFixture, "the search for the log configuration holds t
                  "[driver][logconfig]")
 {
     const LoggingOn logging{"OutputFunBeginInfo"};
+    const LineAtCall<decltype(RegOpenKeyExA)> line(logging, "RegOpenKeyExA");
     CHECK(GetLogConfigFile().empty());
+    CHECK(line.Text() == "VelUI_dll__GetLogConfigFromKey :START......");
     CHECK(Masked(logging) ==
           std::vector<std::string>{
               "VelUI_dll__GetLogConfigFile :START......", "VelUI_dll__GetLogConfigFromKey :START......",

@@ -186,6 +186,15 @@ TEST_CASE_METHOD(ClientFixture, "the scope of each function of the store holds a
     }
 }
 
+TEST_CASE_METHOD(ClientFixture, "the scope of a search for a server's folder is open while Windows opens the key",
+                 "[state][log]")
+{
+    const LoggingOn logging{"OutputFunBeginInfo"};
+    const LineAtCall<decltype(RegOpenKeyExW)> line(logging, "RegOpenKeyExW");
+    GetServerFolder(kServerLogDir, s_szText, 260);
+    CHECK(line.Text() == "VelUI_dll__VelUtility::GetServerFolder :START......");
+}
+
 TEST_CASE_METHOD(ClientFixture, "the scope of each function that reads or writes a key is open while Windows does it",
                  "[state][log]")
 {
