@@ -1,8 +1,7 @@
 // The about page and its picture.
 
 #include "tests/common/GuardedBuffer.h"
-#include "tests/common/ImportHook.h"
-#include "tests/common/LogLines.h"
+#include "tests/common/LineAtCall.h"
 #include "tests/ui/DrivenFixture.h"
 #include "tests/ui/SettingsFixture.h"
 #include "ui/AboutPage.h"
@@ -147,13 +146,17 @@ TEST_CASE_METHOD(AboutFixture, "the about page shows its texts and answers 1 to 
     CHECK(GetWindowLongPtrW(page.Get(), GWLP_USERDATA) == 0);
 }
 
-TEST_CASE_METHOD(AboutFixture, "the about page's procedure leaves its scope in the log", "[ui][about][log]")
+TEST_CASE_METHOD(AboutFixture, "the about page's procedure leaves its scope in the log, around the picture's drawing",
+                 "[ui][about][log]")
 {
     const PageWindow page = Open();
     const LoggingOn logging{"OutputFunBeginInfo"};
     ProAbouPage(page.Get(), WM_NOTIFY, 0, 0);
     CHECK(Masked(logging) ==
           std::vector<std::string>{"VelUI_dll__ProAbouPage :START......", "VelUI_dll__ProAbouPage :End  ......"});
+    const LineAtCall<decltype(LoadImageW)> line(logging, "LoadImageW");
+    ProAbouPage(page.Get(), WM_SHOWWINDOW, TRUE, 0);
+    CHECK(line.Text() == "VelUI_dll__ProAbouPage :START......");
 }
 
 TEST_CASE_METHOD(AboutFixture,
