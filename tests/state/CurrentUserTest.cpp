@@ -78,6 +78,7 @@ TEST_CASE_METHOD(WinlogonFixture, "the current user comes from the logon key", "
     CHECK(GetCurrentUsername(who.szUser, who.szDomain) == 1);
     CHECK(who.User() == L"mei");
     CHECK(who.Domain() == L"OFFICE-DOMAIN-X");
+    CHECK(GetCurrentUsername_Registry(who.szUser, who.szDomain) == 1);
 }
 
 TEST_CASE_METHOD(WinlogonFixture, "a missing logon key gives the hard-coded user", "[state][user]")
@@ -112,6 +113,7 @@ TEST_CASE_METHOD(WinlogonFixture, "a domain equal to the computer's name becomes
     CHECK(GetCurrentUsername(who.szUser, who.szDomain) == 1);
     CHECK(who.Domain() == L"localhost");
     CHECK(who.User() == L"mei");
+    CHECK(GetCurrentUsername_Registry(who.szUser, who.szDomain) == 1);
 }
 
 TEST_CASE_METHOD(WinlogonFixture, "a domain that merely begins with the computer's name becomes localhost",

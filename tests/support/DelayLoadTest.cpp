@@ -135,6 +135,15 @@ BOOL WINAPI KeepSlotLocked(LPVOID pv, SIZE_T cb, DWORD dwProtection, PDWORD pdwB
     return s_pfnProtect(pv, cb, dwProtection, pdwBefore);
 }
 
+DWORD s_dwSearchFlags = 0;
+decltype(&FindActCtxSectionStringW) s_pfnSearch = nullptr;
+BOOL WINAPI NoteSearch(DWORD dwFlags, const GUID* pExtension, ULONG uiSection, LPCWSTR pszText,
+                       PACTCTX_SECTION_KEYED_DATA pData)
+{
+    s_dwSearchFlags = dwFlags;
+    return s_pfnSearch(dwFlags, pExtension, uiSection, pszText, pData);
+}
+
 size_t s_cbUnlocked = 0;
 DWORD s_dwUnlocked = 0;
 BOOL WINAPI NoteUnlocking(LPVOID pv, SIZE_T cb, DWORD dwProtection, PDWORD pdwBefore)
@@ -181,6 +190,16 @@ TEST_CASE("a slot, and nothing behind it, is unlocked for reading and writing", 
     CHECK(function.Slot() == pfn);
     CHECK(s_cbUnlocked == 8);
     CHECK(s_dwUnlocked == PAGE_READWRITE);
+}
+
+TEST_CASE("the search for another version of a library holds no activation context", "[support][delay]")
+{
+    s_dwSearchFlags = 0xFFFF;
+    s_pfnSearch = &FindActCtxSectionStringW;
+    const ImportHook hook(nullptr, "FindActCtxSectionStringW", &NoteSearch);
+    DelayedFunction function("version.dll", "VerLanguageNameW");
+    function.Resolve();
+    CHECK(s_dwSearchFlags == 0); // with FIND_ACTCTX_SECTION_KEY_RETURN_HACTX it would have to give one back
 }
 
 TEST_CASE("while the process ends no library is loaded, and a call fails as without its library", "[support][delay]")

@@ -72,6 +72,14 @@ void CornersOnPage(HWND hPage, POINT (&corners)[4])
     MapWindowPoints(hControl, hPage, corners, 4);
 }
 
+UINT s_uiLoadFlags = 0;
+
+HANDLE WINAPI NoteLoading(HINSTANCE, LPCWSTR, UINT, int, int, UINT uiFlags)
+{
+    s_uiLoadFlags = uiFlags;
+    return nullptr;
+}
+
 bool s_bDrawn = false;
 bool s_bDrawnAtFlush = false;
 
@@ -260,6 +268,14 @@ TEST_CASE_METHOD(AboutFixture,
     const ImportHook hook(nullptr, "GdiFlush", &NoteFlush);
     const PageWindow page(module.handle, IDD_ABOUT, &ProColouredPage, 0);
     CHECK(s_bDrawnAtFlush);
+}
+
+TEST_CASE_METHOD(AboutFixture, "the module's picture is loaded as it is, for this page alone", "[ui][about]")
+{
+    const ImportHook hook(nullptr, "LoadImageW", &NoteLoading);
+    const PageWindow page = Open();
+    CHECK(s_uiLoadFlags == LR_CREATEDIBSECTION);                              // neither in black and white nor shared
+    CHECK(SendMessageW(page.Item(1011), STM_GETIMAGE, IMAGE_BITMAP, 0) != 0); // what the dialog's description names
 }
 
 TEST_CASE_METHOD(AboutFixture, "nothing is read behind the about picture's last pixel", "[ui][about]")

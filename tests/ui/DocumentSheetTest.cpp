@@ -86,6 +86,23 @@ constexpr size_t kRecordBytes = 232;
 constexpr size_t kPageBytes = sizeof(PROPSHEETPAGEW);
 constexpr size_t kListBytes = 5 * 140;
 
+const void* s_pSheetData = nullptr;
+const LoggingOn* s_pLogOfSheet = nullptr;
+bool s_bEndWasTold = false;
+
+/// Takes note of whether the log tells of a sheet's end when its data goes.
+void NoteFree(void* p)
+{
+    if (p != nullptr && p == s_pSheetData)
+    {
+        s_pSheetData = nullptr;
+        s_bEndWasTold = s_pLogOfSheet->Has("PROPSHEETUI_REASON_DESTROY");
+    }
+    static auto* const pfnFree =
+        reinterpret_cast<void (*)(void*)>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt"), "free")));
+    pfnFree(p);
+}
+
 } // namespace
 
 TEST_CASE_METHOD(DocumentFixture, "a sheet without a header is refused, whatever the reason", "[driver][sheet]")
@@ -453,6 +470,17 @@ TEST_CASE_METHOD(LoggedDocumentFixture, "the header's and the end's calls log th
                        "Param - VelUI(#) : lReturn = 1", kEnd, kStart, kInvoked, kInteractive,
                        "INFO - DrvDocumentPropertySheets - pPSUIInfo->Reason = PROPSHEETUI_REASON_DESTROY",
                        "Param - VelUI(#) : lReturn = 1", kEnd});
+}
+
+TEST_CASE_METHOD(LoggedDocumentFixture, "the end of a sheet is told before its data goes", "[driver][sheet][log]")
+{
+    REQUIRE(calls.Call(PROPSHEETUI_REASON_INIT) == 1);
+    s_pSheetData = calls.Data();
+    s_pLogOfSheet = &logging;
+    const ImportHook hook(nullptr, "free", &NoteFree);
+    calls.Call(PROPSHEETUI_REASON_DESTROY);
+    CHECK(s_pSheetData == nullptr);
+    CHECK(s_bEndWasTold); // a sheet without data faults there, and then this line is the log's last word
 }
 
 TEST_CASE_METHOD(LoggedDocumentFixture, "no result leaves a result line", "[driver][sheet][log]")
