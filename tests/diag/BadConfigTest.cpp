@@ -264,6 +264,17 @@ TEST_CASE("a failed start behind one that worked switches logging off", "[diag][
     CHECK(configured.Log().empty());
 }
 
+TEST_CASE("the end of logging leaves no category and no appender", "[diag][start]")
+{
+    const Configured configured(kGoodConfig);
+    REQUIRE(configured.Start());
+    REQUIRE(log4cpp::Category::exists("VelUI_dll") != nullptr);
+    REQUIRE(log4cpp::Appender::getAppender("file") != nullptr);
+    StopLogging();
+    CHECK(log4cpp::Category::exists("VelUI_dll") == nullptr);
+    CHECK(log4cpp::Appender::getAppender("file") == nullptr);
+}
+
 TEST_CASE("the end of a start that failed half way closes the log file", "[diag][start]")
 {
     const Configured configured(std::string(kGoodConfig) + "OutputParam=true\n");

@@ -1,6 +1,6 @@
 // What the settings page's controls do to each other.
 
-#include "tests/common/LogLines.h"
+#include "tests/common/LineAtCall.h"
 #include "tests/ui/BoxWatcher.h"
 #include "tests/ui/SettingsFixture.h"
 #include "ui/OtherControls.h"
@@ -484,6 +484,17 @@ TEST_CASE_METHOD(EditFixture, "a spin and the edit that it makes leave their sco
     REQUIRE(end != lines.end());
     CHECK(*(start + 1) == "VelUI_dll__SubGetEditToINT :START......");
     CHECK(start < end);
+}
+
+TEST_CASE_METHOD(EditFixture, "a spin's scope is open when it asks for its box", "[ui][settings][log]")
+{
+    const PageWindow page = Open();
+    NMUPDOWN press = {};
+    press.hdr.hwndFrom = page.Item(1004);
+    const LoggingOn logging{"OutputFunBeginInfo"};
+    const LineAtCall<decltype(SendMessageW)> line(logging, "SendMessageW");
+    CHECK(Sub_On_Spin(page.Get(), &press) == 1);
+    CHECK(line.Text() == "VelUI_dll__Sub_On_Spin :START......");
 }
 
 TEST_CASE_METHOD(EditFixture, "the page answers 1 to commands and 0 to all else", "[ui][settings]")
