@@ -28,11 +28,11 @@ std::string_view GetCurrentFrameName()
 int SplitFrameName(std::string_view strText, FrameName& frame)
 {
     const size_t uiFirst = strText.find('.');
-    const size_t uiLast = strText.rfind('.');
-    if (uiFirst == std::string_view::npos || uiLast == std::string_view::npos)
+    if (uiFirst == std::string_view::npos)
     {
         return -1;
     }
+    const size_t uiLast = strText.rfind('.');
     frame.strModule = strText.substr(0, uiFirst);
     frame.strClass = uiLast > uiFirst ? strText.substr(uiFirst + 1, uiLast - uiFirst - 1) : std::string_view();
     frame.strFunction = strText.substr(uiLast + 1);

@@ -1,6 +1,7 @@
 #include <winsock2.h>
 
 #include "state/MachineIdentity.h"
+#include "tests/common/GuardedBuffer.h"
 #include "tests/common/ImportHook.h"
 #include "tests/common/LogLines.h"
 
@@ -158,6 +159,22 @@ TEST_CASE("a hardware address alone makes no socket call", "[state][machine]")
     CHECK(s_iSocketCalls == 0);
     CHECK(abyMac[0] == 0x10);
     CHECK(abyMac[5] == 0x15);
+}
+
+TEST_CASE("nothing is written behind what the machine tells", "[state][machine]")
+{
+    const Adapters adapters(6, 6);
+    const ImportHook hook(nullptr, "gethostbyname", &GiveHost);
+    const ComputerName computer(L"ABCDE");
+    s_addresses[0] = reinterpret_cast<char*>(s_first);
+    s_addresses[1] = nullptr;
+    const GuardedBuffer name(6 * sizeof(wchar_t)); // each ends at a page that can't be touched
+    const GuardedBuffer mac(6);
+    const GuardedBuffer address(4);
+    CHECK(GetLocalMachineInfo(name.As<wchar_t>(), 64, mac.Get(), address.Get()) == 0);
+    CHECK(std::wstring(name.As<wchar_t>()) == L"ABCDE");
+    CHECK(mac.Get()[5] == 0x15);
+    CHECK(memcmp(address.Get(), s_first, 4) == 0);
 }
 
 TEST_CASE("an adapter with an address of 8 bytes is passed over", "[state][machine]")
