@@ -123,9 +123,14 @@ TEST_CASE("a folder's length in bytes is compared with a size in characters", "[
     }
 }
 
-TEST_CASE("a folder value of more than 520 bytes gives 1", "[state][folders]")
+TEST_CASE("a folder value of 520 bytes is read, one of more gives 1", "[state][folders]")
 {
     PrivateRegistry registry;
+    const std::wstring strLongest(259, L'f');
+    registry.SetClient(L"DataDir", strLongest);
+    wchar_t szLongest[260] = {};
+    CHECK(GetClientFolder(kClientDataDir, szLongest, 520) == 0);
+    CHECK(szLongest == strLongest);
     registry.SetClient(L"DataDir", std::wstring(260, L'f')); // 522 bytes with its terminator
     FolderBuffer folder;
     CHECK(GetClientFolder(kClientDataDir, folder.sz, 1000) == 1);
