@@ -3,6 +3,9 @@
 #include "tests/ui/IconShape.h"
 #include "tests/ui/PageWindow.h"
 #include "tests/ui/SettingsFixture.h"
+#include "ui/OrientationControls.h"
+#include "ui/OtherControls.h"
+#include "ui/PaperControls.h"
 
 #include <catch2/catch_test_macros.hpp>
 #include <catch2/generators/catch_generators.hpp>
@@ -47,6 +50,15 @@ TEST_CASE_METHOD(SettingsFixture, "without A4 a paper that is not listed gives t
     const PageWindow page = Open();
     CHECK(page.PaperIndex() == 0);
     CHECK(page.Text(1007) == L"182");
+}
+
+TEST_CASE_METHOD(SettingsFixture, "each step that sets the page up answers 1", "[ui][settings]")
+{
+    UsePapers(kPapers);
+    const PageWindow page(module.handle, IDD_SETTINGS, &NoPage, 0);
+    CHECK(SubInitPaperSize(&data, page.Get()) == 1);
+    CHECK(SubInitOrientation(&data, page.Get()) == 1);
+    CHECK(SubInitOther(&data, page.Get()) == 1);
 }
 
 TEST_CASE_METHOD(SettingsFixture, "without any paper the page comes up on the custom one", "[ui][settings]")
