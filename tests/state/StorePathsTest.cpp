@@ -92,6 +92,18 @@ TEST_CASE_METHOD(PathsFixture, "the data folder may have 129 characters and the 
     CHECK_FALSE(MakeConfigFilePath(szPath));
 }
 
+TEST_CASE_METHOD(PathsFixture, "a folder whose value has one byte too many is refused", "[state][paths]")
+{
+    constexpr wchar_t kClient[] = L"Software\\Vel-soft\\Client";
+    const std::wstring strFolder(130, L'f');
+    registry.SetBytes(kClient, L"DataDir", REG_SZ, strFolder.c_str(), 261);
+    CHECK_FALSE(MakePersonalFilePath(L"a.ini", szPath));
+    CHECK_FALSE(MakeUserMessageFilePath(L"a.ini", L"lin", szPath));
+    CHECK_FALSE(MakeServerFilePath(L"a.ini", szPath));
+    registry.SetBytes(kClient, L"TempDir", REG_SZ, strFolder.c_str(), 257);
+    CHECK_FALSE(MakeConfigFilePath(szPath));
+}
+
 TEST_CASE_METHOD(PathsFixture, "the longest user and a long domain lose nothing in a personal path", "[state][paths]")
 {
     registry.SetText(kWinlogon, L"DefaultUserName", std::wstring(80, L'u'));
