@@ -3,6 +3,7 @@
 #include "tests/common/LineAtCall.h"
 #include "tests/ui/BoxWatcher.h"
 #include "tests/ui/SettingsFixture.h"
+#include "ui/OrientationControls.h"
 #include "ui/OtherControls.h"
 
 #include <catch2/catch_test_macros.hpp>
@@ -495,6 +496,22 @@ TEST_CASE_METHOD(EditFixture, "a spin's scope is open when it asks for its box",
     const LineAtCall<decltype(SendMessageW)> line(logging, "SendMessageW");
     CHECK(Sub_On_Spin(page.Get(), &press) == 1);
     CHECK(line.Text() == "VelUI_dll__Sub_On_Spin :START......");
+}
+
+TEST_CASE_METHOD(EditFixture,
+                 "the scopes of the orientation and of the duplex box are open when they read their buttons",
+                 "[ui][settings][log]")
+{
+    const PageWindow page = Open();
+    const LoggingOn logging{"OutputFunBeginInfo"};
+    {
+        const LineAtCall<decltype(IsDlgButtonChecked)> line(logging, "IsDlgButtonChecked");
+        On_Radio_Stand(page.Get(), &data);
+        CHECK(line.Text() == "VelUI_dll__On_Radio_Stand :START......");
+    }
+    const LineAtCall<decltype(IsDlgButtonChecked)> line(logging, "IsDlgButtonChecked");
+    On_Check_Duplex(page.Get(), 1);
+    CHECK(line.Text() == "VelUI_dll__On_Check_Duplex :START......");
 }
 
 TEST_CASE_METHOD(EditFixture, "the page answers 1 to commands and 0 to all else", "[ui][settings]")
