@@ -96,11 +96,11 @@ TEST_CASE_METHOD(PathsFixture, "a folder whose value has one byte too many is re
 {
     constexpr wchar_t kClient[] = L"Software\\Vel-soft\\Client";
     const std::wstring strFolder(130, L'f');
-    registry.SetBytes(kClient, L"DataDir", REG_SZ, strFolder.c_str(), 261);
+    registry.SetBytes(kClient, L"DataDir", REG_BINARY, strFolder.c_str(), 261); // REG_SZ would be made even
     CHECK_FALSE(MakePersonalFilePath(L"a.ini", szPath));
     CHECK_FALSE(MakeUserMessageFilePath(L"a.ini", L"lin", szPath));
     CHECK_FALSE(MakeServerFilePath(L"a.ini", szPath));
-    registry.SetBytes(kClient, L"TempDir", REG_SZ, strFolder.c_str(), 257);
+    registry.SetBytes(kClient, L"TempDir", REG_BINARY, strFolder.c_str(), 257);
     CHECK_FALSE(MakeConfigFilePath(szPath));
 }
 

@@ -105,7 +105,7 @@ TEST_CASE_METHOD(SizeFixture, "the greatest size is asked for in front of the le
     UsePapers(kPapers, {});
     const PageWindow page = Open();
     const LoggingOn logging{"OutputParam", "OutputFunBeginInfo"};
-    Sub_On_Edit(page.Get(), EN_CHANGE, &data);
+    CHECK(Sub_On_Edit(page.Get(), EN_CHANGE, &data) == 1); // the paper that is selected already
     const std::string strLog = logging.Text();
     CHECK(strLog.find("DEBUG - GetComputerCaps(5)") < strLog.find("DEBUG - GetComputerCaps(4)"));
     CHECK(strLog.find("DEBUG - GetComputerCaps(4)") != std::string::npos);
