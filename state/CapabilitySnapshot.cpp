@@ -186,7 +186,7 @@ DWORD AnswerLocked(WORD iDevCap, const wchar_t* pszFile, void* pvOutput, DWORD d
 DWORD MakePrinterConfig(const PrinterInfo* pstuInfo, const PrinterCaps* pstuCaps)
 {
     const FunctionScope scope("VelUtility::MakePrinterConfig");
-    wchar_t szPath[kStorePathUnits] = {};
+    StorePath szPath = {};
     if (MakeConfigFilePath(szPath))
     {
         const CScopeFileLock lock(szPath);
@@ -203,7 +203,7 @@ DWORD MakePrinterConfig(const PrinterInfo* pstuInfo, const PrinterCaps* pstuCaps
 DWORD GetPrinterInfo(PrinterInfo* pstuInfo)
 {
     const FunctionScope scope("VelUtility::GetPrinterInfo");
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     if (!MakeConfigFilePath(szPath))
     {
         return PSERR_FAILED;
@@ -217,7 +217,7 @@ DWORD GetComputerCaps(WORD iDevCap, void* pvOutput, DWORD dwRoom)
 {
     const FunctionScope scope("VelUtility::GetComputerCaps");
     LOG_IF(IsDebugEnabled(), LogDebug("GetComputerCaps(%d)", iDevCap));
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     if (!MakeConfigFilePath(szPath))
     {
         return kNoAnswer; // Required: without the line below, which tells what a file has answered

@@ -95,7 +95,7 @@ bool WriteTexts(const ClientSetting& setting, const wchar_t* pszFile)
 DWORD WriteClientSetting(const ClientSetting* pstuSetting)
 {
     const FunctionScope scope("VelUtility::WriteClientSetting");
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     const bool bWritten = MakeConfigFilePath(szPath) &&
                           WriteFlags(kSettingSection, kSettingFlags, *pstuSetting, szPath) &&
                           WriteTexts(*pstuSetting, szPath);
@@ -105,7 +105,7 @@ DWORD WriteClientSetting(const ClientSetting* pstuSetting)
 DWORD ReadClientSetting(ClientSetting* pstuSetting)
 {
     const FunctionScope scope("VelUtility::ReadClientSetting");
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     if (!MakeConfigFilePath(szPath))
     {
         return PSERR_FAILED;
@@ -119,7 +119,7 @@ DWORD ReadClientSetting(ClientSetting* pstuSetting)
 DWORD MakeServerConfig(const ServerConfigInfo* pstuConfig)
 {
     const FunctionScope scope("VelUtility::MakeServerConfig");
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     const bool bWritten = MakeConfigFilePath(szPath) && WriteFlags(kServerSection, kServerFlags, *pstuConfig, szPath);
     return bWritten ? PSERR_OK : PSERR_FAILED;
 }
@@ -127,7 +127,7 @@ DWORD MakeServerConfig(const ServerConfigInfo* pstuConfig)
 DWORD GetServerConfig(ServerConfigInfo* pstuConfig)
 {
     const FunctionScope scope("VelUtility::GetServerConfig");
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     if (!MakeConfigFilePath(szPath))
     {
         return PSERR_FAILED;
@@ -140,7 +140,7 @@ DWORD GetServerConfig(ServerConfigInfo* pstuConfig)
 DWORD CheckConfigFile()
 {
     const FunctionScope scope("VelUtility::CheckConfigFile");
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     if (!MakeConfigFilePath(szPath))
     {
         return PSERR_FAILED;

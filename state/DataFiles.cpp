@@ -35,7 +35,7 @@ static_assert(sizeof(DEVMODEW) == kDevModeBytes, "DevMode.dat is a bare DEVMODEW
 DWORD MakeAutoLogonInfo(const BYTE* pbyData, DWORD iDataLen)
 {
     const FunctionScope scope("VelUtility::MakeAutoLogonInfo");
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     return MakeLoggedPersonalPath(kPassportFile, szPath) ? WriteItems(szPath, L"wb", pbyData, iDataLen, 1)
                                                          : PSERR_FAILED;
 }
@@ -48,7 +48,7 @@ DWORD MakeLogonUserName(const wchar_t* pszUserName)
         LOG_ERROR("Invalid parameter.");
         return PSERR_INVALID_PARAMETER;
     }
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     // Required: text mode, so that each byte 0x0A is stored as 0x0D 0x0A; whoever reads the name
     // back must open the file the same way.
     return MakeLoggedPersonalPath(kPassportFile, szPath)
@@ -65,7 +65,7 @@ DWORD GetAutoLogonInfo(BYTE* pbyData, int iDataLen, int* piFileLen)
         LOG_ERROR("piFileLen = 0x%08X", LowBits(piFileLen));
         return PSERR_INVALID_PARAMETER;
     }
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     if (!MakeLoggedPersonalPath(kPassportFile, szPath))
     {
         return PSERR_FAILED;
@@ -95,14 +95,14 @@ DWORD GetAutoLogonInfo(BYTE* pbyData, int iDataLen, int* piFileLen)
 DWORD DelAutoLogonInfo()
 {
     const FunctionScope scope("VelUtility::DelAutoLogonInfo");
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     return MakeLoggedPersonalPath(kPassportFile, szPath) ? DeleteLocked(szPath) : PSERR_FAILED;
 }
 
 DWORD SetDevDef(const DEVMODEW* pstuDevmode)
 {
     const FunctionScope scope("VelUtility::SetDevDef");
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     if (!MakeLoggedPersonalPath(kDevModeFile, szPath))
     {
         return PSERR_FAILED;
@@ -124,7 +124,7 @@ DWORD SetDevDef(const DEVMODEW* pstuDevmode)
 DWORD GetDevDef(DEVMODEW* pstuDevmode)
 {
     const FunctionScope scope("VelUtility::GetDevDef");
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     if (!MakeLoggedPersonalPath(kDevModeFile, szPath))
     {
         return PSERR_FAILED;

@@ -46,7 +46,7 @@ bool MakeMessagePath(const wchar_t* pszFileName, const std::wstring& strUser, co
 DWORD ReadNumber(const std::wstring& strUser, const char* pszWords, const wchar_t* pszKey, int iDefault,
                  DWORD* pdwValue)
 {
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     if (!MakeMessagePath(kStateFile, strUser, pszWords, szPath))
     {
         return PSERR_FAILED;
@@ -61,7 +61,7 @@ DWORD ReadNumber(const std::wstring& strUser, const char* pszWords, const wchar_
 DWORD MakeUserMessageID(std::wstring strUser, DWORD dwMessageId)
 {
     const FunctionScope scope("VelUtility::MakeUserMessageID");
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     if (!MakeMessagePath(kStateFile, strUser, kPersonalWords, szPath))
     {
         return PSERR_FAILED;
@@ -86,7 +86,7 @@ DWORD GetUserMsgInterval(std::wstring strUser, DWORD* pdwInterval)
 DWORD MakeUserMessageDays(std::wstring strUser, int iDays)
 {
     const FunctionScope scope("VelUtility::MakeUserMessageDays");
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     if (!MakeMessagePath(kStateFile, strUser, kPersonalWords, szPath))
     {
         return PSERR_FAILED;
@@ -110,7 +110,7 @@ DWORD GetUserMessageDays(std::wstring strUser, int* piDays)
 DWORD AppendUserMessageFile(std::wstring strUser, const BYTE* pbyData, DWORD dwDataLen)
 {
     const FunctionScope scope("VelUtility::AppendUserMessageFile");
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     // Required: of all writers this one alone flushes, under the lock. Two appends that wrote their bytes at their
     // close, behind the lock, would find the same end of the file, and one message would be lost: four writers at once
     // lost some in every run.
@@ -122,7 +122,7 @@ DWORD AppendUserMessageFile(std::wstring strUser, const BYTE* pbyData, DWORD dwD
 // Required: the one function here without a trace scope of its own, so that its lines show under its caller's name.
 DWORD GetUserMessageFile(std::wstring strUser, std::wstring* pstrPath)
 {
-    wchar_t szPath[kStorePathUnits] = {};
+    StorePath szPath = {};
     const bool bMade = MakeMessagePath(kMessageFile, strUser, kPersonalWords, szPath);
     *pstrPath = szPath;
     return bMade ? PSERR_OK : PSERR_FAILED;
@@ -131,7 +131,7 @@ DWORD GetUserMessageFile(std::wstring strUser, std::wstring* pstrPath)
 DWORD DelUserMessageFile(std::wstring strUser)
 {
     const FunctionScope scope("VelUtility::DelUserMessageFile");
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     return MakeMessagePath(kMessageFile, strUser, kPersonalWords, szPath) ? DeleteLocked(szPath) : PSERR_FAILED;
 }
 

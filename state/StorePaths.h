@@ -13,6 +13,8 @@ namespace VelUtility
 /// refusal of Windows itself.
 inline constexpr size_t kStoreNameUnits = kUserNameUnits + kDomainNameUnits + 260;
 inline constexpr size_t kStorePathUnits = 260 + kStoreNameUnits;
+/// Room for such a path.
+using StorePath = wchar_t[kStorePathUnits];
 
 /// The store's folder calls, with the sizes that they have always been called with.
 inline constexpr unsigned __int64 kDataDirSize = 260;

@@ -48,7 +48,7 @@ bool MakeMachinePlacePath(wchar_t* szPath)
 DWORD GetDefSetting(DWORD* pdwNoWaterPrint)
 {
     const FunctionScope scope("VelUtility::GetDefSetting");
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     if (!MakeLoggedPersonalPath(kDefSettingFile, szPath))
     {
         return PSERR_FAILED;
@@ -62,7 +62,7 @@ DWORD MakeDefSetting(const DWORD* pdwNoWaterPrint)
 {
     const FunctionScope scope("VelUtility::MakeDefSetting");
     // Required: the path is made in this function's own scope, so that each failed step shows under its name.
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     if (!MakePersonalPathInScope(kDefSettingFile, szPath))
     {
         return PSERR_FAILED;
@@ -78,7 +78,7 @@ DWORD MakeDefSetting(const DWORD* pdwNoWaterPrint)
 DWORD MakeServerPlaceFile(const ServerPlace* pstuPlace)
 {
     const FunctionScope scope("VelUtility::MakeServerPlaceFile");
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     if (!MakeLoggedPersonalPath(kPlaceFile, szPath))
     {
         return PSERR_FAILED;
@@ -96,7 +96,7 @@ DWORD MakeServerPlaceFile(const ServerPlace* pstuPlace)
 DWORD GetServerPlaceFile(ServerPlace* pstuPlace)
 {
     const FunctionScope scope("VelUtility::GetServerPlaceFile");
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     if (!MakeLoggedPersonalPath(kPlaceFile, szPath))
     {
         // Required: a failure shows only in the log and in the untouched record, so that a caller fills it with its
@@ -115,7 +115,7 @@ DWORD GetServerPlaceFile(ServerPlace* pstuPlace)
 DWORD MakeServerPlaceFileNew(std::wstring strServer)
 {
     const FunctionScope scope("VelUtility::MakeServerPlaceFileNew");
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     if (!MakeMachinePlacePath(szPath))
     {
         return PSERR_FAILED;
@@ -129,7 +129,7 @@ DWORD MakeServerPlaceFileNew(std::wstring strServer)
 DWORD GetServerPlaceFileNew(std::wstring* pstrServer)
 {
     const FunctionScope scope("VelUtility::GetServerPlaceFileNew");
-    wchar_t szPath[kStorePathUnits];
+    StorePath szPath;
     if (!MakeMachinePlacePath(szPath))
     {
         return PSERR_OK; // Required: as in GetServerPlaceFile
