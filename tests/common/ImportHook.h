@@ -5,9 +5,18 @@
 
 #include <string>
 
+/// A library's function at its own address, for a replacement that wants the real one: by its name it would come back
+/// to itself.
+template <typename Function>
+Function* Platform(const wchar_t* pszLibrary, const char* pszFunction)
+{
+    return reinterpret_cast<Function*>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(pszLibrary), pszFunction)));
+}
+
 /// Replaces one imported function of a module for the length of a scope. Every call that the module makes to it goes to
 /// the replacement; calls of other modules do not. One hook a function at a time. A replacement in the hooked module
-/// itself that wants the real function must fetch its address: a call by name would come back to it.
+/// itself that wants the real function asks Platform for it.
 class ImportHook
 {
 public:

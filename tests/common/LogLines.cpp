@@ -1,5 +1,7 @@
 #include "tests/common/LogLines.h"
 
+#include <boost/algorithm/string/predicate.hpp>
+
 #include <catch2/catch_test_macros.hpp>
 
 #include <regex>
@@ -29,12 +31,6 @@ namespace
 
 const std::string kModule = "VelUI_dll__";
 
-bool EndsWith(const std::string& strLine, const std::string& strMark)
-{
-    return strLine.size() > strMark.size() &&
-           strLine.compare(strLine.size() - strMark.size(), strMark.size(), strMark) == 0;
-}
-
 /// The lines of one function alone, with "> F" in front of what a call of F has left, where that is wanted.
 std::vector<std::string> LinesOf(const LoggingOn& logging, const std::string& strFunction, bool bCalls)
 {
@@ -43,7 +39,7 @@ std::vector<std::string> LinesOf(const LoggingOn& logging, const std::string& st
     for (const std::string& strLine : Masked(logging))
     {
         const bool bInside = !scopes.empty() && scopes.back() == kModule + strFunction;
-        if (EndsWith(strLine, " :START......"))
+        if (boost::ends_with(strLine, " :START......"))
         {
             scopes.push_back(strLine.substr(0, strLine.find(' ')));
             if (bInside && bCalls)
@@ -55,7 +51,7 @@ std::vector<std::string> LinesOf(const LoggingOn& logging, const std::string& st
         {
             own.push_back(strLine);
         }
-        if (!scopes.empty() && EndsWith(strLine, " :End  ......"))
+        if (!scopes.empty() && boost::ends_with(strLine, " :End  ......"))
         {
             scopes.pop_back();
         }

@@ -101,12 +101,6 @@ bool LogsQuietly()
     return GetLastError() == 5 && errno == ENOENT && _doserrno == 17;
 }
 
-template <typename Function>
-Function* Msvcrt(const char* pszName)
-{
-    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt"), pszName)));
-}
-
 int FullDisk(int, const void*, unsigned)
 {
     errno = ENOSPC;
@@ -134,7 +128,7 @@ FILE* OpenOnce(const char* pszName, const char* pszMode)
         errno = ENOENT;
         return nullptr;
     }
-    return Msvcrt<FILE*(const char*, const char*)>("fopen")(pszName, pszMode);
+    return Platform<FILE*(const char*, const char*)>(L"msvcrt", "fopen")(pszName, pszMode);
 }
 
 } // namespace

@@ -17,6 +17,7 @@
 #include <cctype>
 #include <cstring>
 #include <malloc.h>
+#include <set>
 #include <string_view>
 #include <utility>
 
@@ -42,26 +43,20 @@ const Names kAllNames = {"pPrinterName", "pwDeviceName",
 /// What a call has allocated so far, and the names in what it has given back of it; null between two calls.
 struct Watched
 {
-    std::vector<void*> blocks;
+    std::set<void*> blocks;
     Names names;
 };
 Watched* s_pWatched = nullptr;
-
-template <typename Function>
-Function* Platform(const char* pszName)
-{
-    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt"), pszName)));
-}
 
 /// Gives memory that holds nothing of what it was before.
 void* WatchMalloc(size_t cbSize)
 {
     Watched* const pWatched = std::exchange(s_pWatched, nullptr); // not of what this function itself allocates
-    void* const p = Platform<void*(size_t)>("malloc")(cbSize);
+    void* const p = Platform<void*(size_t)>(L"msvcrt", "malloc")(cbSize);
     if (p != nullptr && pWatched != nullptr)
     {
         std::memset(p, 0, cbSize);
-        pWatched->blocks.push_back(p);
+        pWatched->blocks.insert(p);
     }
     s_pWatched = pWatched;
     return p;
@@ -80,7 +75,7 @@ bool Holds(std::string_view strBlock, const std::string& strText)
 void WatchFree(void* p)
 {
     Watched* const pWatched = std::exchange(s_pWatched, nullptr);
-    if (pWatched != nullptr && std::count(pWatched->blocks.begin(), pWatched->blocks.end(), p) != 0)
+    if (pWatched != nullptr && pWatched->blocks.erase(p) != 0)
     {
         const std::string_view strBlock(static_cast<const char*>(p), _msize(p));
         const auto found = std::find_if(kAllNames.begin(), kAllNames.end(),
@@ -89,14 +84,14 @@ void WatchFree(void* p)
         {
             pWatched->names.push_back(*found);
         }
-        pWatched->blocks.erase(std::find(pWatched->blocks.begin(), pWatched->blocks.end(), p));
     }
     s_pWatched = pWatched;
-    Platform<void(void*)>("free")(p);
+    Platform<void(void*)>(L"msvcrt", "free")(p);
 }
 
 /// The names that a call has given back, in order.
-Names GivenBackBy(void (*pfnCall)())
+template <typename Call>
+Names GivenBackBy(Call call)
 {
     Watched watched;
     LogSetup setup;
@@ -106,24 +101,18 @@ Names GivenBackBy(void (*pfnCall)())
         const ImportHook mallocHook(nullptr, "malloc", &WatchMalloc);
         const ImportHook freeHook(nullptr, "free", &WatchFree);
         s_pWatched = &watched;
-        pfnCall();
+        call();
         s_pWatched = nullptr;
     }
     CHECK(logging.Text().empty());
     return watched.names;
 }
 
-stuDrvDevmode s_in;
-stuDrvDevmode s_out;
-
 struct ListsFixture : ClientFixture
 {
-    ListsFixture()
-    {
-        s_in = {};
-        s_out = {};
-        s_in.stuDevmode.dmSize = s_out.stuDevmode.dmSize = 220;
-    }
+    ListsFixture() { in.stuDevmode.dmSize = out.stuDevmode.dmSize = 220; }
+    stuDrvDevmode in = {};
+    stuDrvDevmode out = {};
 };
 
 } // namespace
@@ -141,9 +130,9 @@ TEST_CASE_METHOD(ListsFixture, "the entry points keep their arguments, in order,
 
 TEST_CASE_METHOD(ListsFixture, "the functions below them keep theirs", "[driver][log]")
 {
-    CHECK(GivenBackBy([] { ConvertDevmode(&s_in.stuDevmode, &s_out.stuDevmode); }) == Names{"pstuIn", "pstuOut"});
-    CHECK(GivenBackBy([] { SubSetDevMode(&s_out); }) == Names{"stuDefDev"});
-    CHECK(GivenBackBy([] { SubConvertDevmodeOut(s_in.stuDevmode, nullptr, &s_out.stuDevmode); }) ==
+    CHECK(GivenBackBy([this] { ConvertDevmode(&in.stuDevmode, &out.stuDevmode); }) == Names{"pstuIn", "pstuOut"});
+    CHECK(GivenBackBy([this] { SubSetDevMode(&out); }) == Names{"stuDefDev"});
+    CHECK(GivenBackBy([this] { SubConvertDevmodeOut(in.stuDevmode, nullptr, &out.stuDevmode); }) ==
           Names{"stuDefDev", "pstuDevIn", "pstuDevOut"});
     CHECK(GivenBackBy([] {
               const stuPaperInfo paper = {};

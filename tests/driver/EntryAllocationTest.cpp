@@ -13,12 +13,6 @@ namespace
 
 int s_iAllocations = 0;
 
-template <typename Function>
-Function* Platform(const wchar_t* pszModule, const char* pszName)
-{
-    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(pszModule), pszName)));
-}
-
 void* CountMalloc(size_t cbSize)
 {
     ++s_iAllocations;

@@ -126,8 +126,7 @@ int FindAnyFile(const char*, int)
 
 FILE* OpenAnyFile(const char*, const char* pszMode)
 {
-    const auto pfnOpen = reinterpret_cast<FILE* (*)(const char*, const char*)>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt"), "fopen")));
+    auto* const pfnOpen = Platform<FILE*(const char*, const char*)>(L"msvcrt", "fopen");
     return pfnOpen("NUL", pszMode);
 }
 

@@ -38,9 +38,7 @@ void* FailingCalloc(size_t uiCount, size_t uiSize)
     {
         return nullptr;
     }
-    using Calloc = void*(size_t, size_t);
-    static auto* const pfnCalloc =
-        reinterpret_cast<Calloc*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt"), "calloc")));
+    static auto* const pfnCalloc = Platform<void*(size_t, size_t)>(L"msvcrt", "calloc");
     void* const pBlock = pfnCalloc(uiCount, uiSize);
     s_blocks.insert(pBlock);
     return pBlock;
@@ -49,9 +47,7 @@ void* FailingCalloc(size_t uiCount, size_t uiSize)
 void NotedFree(void* pBlock)
 {
     s_blocks.erase(pBlock);
-    using Free = void(void*);
-    static auto* const pfnFree =
-        reinterpret_cast<Free*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt"), "free")));
+    static auto* const pfnFree = Platform<void(void*)>(L"msvcrt", "free");
     pfnFree(pBlock);
 }
 

@@ -116,7 +116,7 @@ BOOLEAN NTAPI SayYes()
 {
     return TRUE;
 }
-FARPROC(WINAPI* s_pfnFind)(HMODULE, LPCSTR) = nullptr;
+FARPROC(WINAPI* s_pfnFind)(HMODULE, LPCSTR) = nullptr; // Platform asks for functions by the one that is replaced
 FARPROC WINAPI FindEndOfProcess(HMODULE hModule, LPCSTR pszName)
 {
     return std::strcmp(pszName, "RtlDllShutdownInProgress") == 0
@@ -124,7 +124,7 @@ FARPROC WINAPI FindEndOfProcess(HMODULE hModule, LPCSTR pszName)
                : s_pfnFind(hModule, pszName);
 }
 
-BOOL(WINAPI* s_pfnProtect)(LPVOID, SIZE_T, DWORD, PDWORD) = nullptr;
+using Protect = BOOL WINAPI(LPVOID, SIZE_T, DWORD, PDWORD);
 BOOL WINAPI KeepSlotLocked(LPVOID pv, SIZE_T cb, DWORD dwProtection, PDWORD pdwBefore)
 {
     if (pv == DelayedFunction::SlotsPlace())
@@ -132,16 +132,16 @@ BOOL WINAPI KeepSlotLocked(LPVOID pv, SIZE_T cb, DWORD dwProtection, PDWORD pdwB
         SetLastError(ERROR_INVALID_ADDRESS);
         return FALSE;
     }
-    return s_pfnProtect(pv, cb, dwProtection, pdwBefore);
+    return Platform<Protect>(L"kernel32", "VirtualProtect")(pv, cb, dwProtection, pdwBefore);
 }
 
 DWORD s_dwSearchFlags = 0;
-decltype(&FindActCtxSectionStringW) s_pfnSearch = nullptr;
 BOOL WINAPI NoteSearch(DWORD dwFlags, const GUID* pExtension, ULONG uiSection, LPCWSTR pszText,
                        PACTCTX_SECTION_KEYED_DATA pData)
 {
     s_dwSearchFlags = dwFlags;
-    return s_pfnSearch(dwFlags, pExtension, uiSection, pszText, pData);
+    return Platform<decltype(FindActCtxSectionStringW)>(L"kernel32", "FindActCtxSectionStringW")(
+        dwFlags, pExtension, uiSection, pszText, pData);
 }
 
 size_t s_cbUnlocked = 0;
@@ -153,7 +153,7 @@ BOOL WINAPI NoteUnlocking(LPVOID pv, SIZE_T cb, DWORD dwProtection, PDWORD pdwBe
         s_cbUnlocked = cb;
         s_dwUnlocked = dwProtection;
     }
-    return s_pfnProtect(pv, cb, dwProtection, pdwBefore);
+    return Platform<Protect>(L"kernel32", "VirtualProtect")(pv, cb, dwProtection, pdwBefore);
 }
 
 } // namespace
@@ -171,7 +171,6 @@ TEST_CASE("a function's first call loads its library and fills its slot, and the
 
 TEST_CASE("a slot that can't be unlocked stays, and the function is called all the same", "[support][delay]")
 {
-    s_pfnProtect = &VirtualProtect;
     const ImportHook hook(nullptr, "VirtualProtect", &KeepSlotLocked);
     DelayedFunction function("version.dll", "VerLanguageNameW");
     SetLastError(4711);
@@ -183,7 +182,6 @@ TEST_CASE("a slot that can't be unlocked stays, and the function is called all t
 
 TEST_CASE("a slot, and nothing behind it, is unlocked for reading and writing", "[support][delay]")
 {
-    s_pfnProtect = &VirtualProtect;
     const ImportHook hook(nullptr, "VirtualProtect", &NoteUnlocking);
     DelayedFunction function("version.dll", "VerLanguageNameW");
     const FARPROC pfn = function.Resolve();
@@ -195,7 +193,6 @@ TEST_CASE("a slot, and nothing behind it, is unlocked for reading and writing", 
 TEST_CASE("the search for another version of a library holds no activation context", "[support][delay]")
 {
     s_dwSearchFlags = 0xFFFF;
-    s_pfnSearch = &FindActCtxSectionStringW;
     const ImportHook hook(nullptr, "FindActCtxSectionStringW", &NoteSearch);
     DelayedFunction function("version.dll", "VerLanguageNameW");
     function.Resolve();

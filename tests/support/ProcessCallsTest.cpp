@@ -55,9 +55,7 @@ DWORD s_dwTokenAccess = 0;
 BOOL WINAPI RecordToken(HANDLE hProcess, DWORD dwAccess, PHANDLE phToken)
 {
     s_dwTokenAccess = dwAccess;
-    // By its address: the name would lead back here.
-    static const auto s_pfnReal = reinterpret_cast<decltype(&OpenProcessToken)>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"advapi32.dll"), "OpenProcessToken")));
+    static auto* const s_pfnReal = Platform<BOOL WINAPI(HANDLE, DWORD, PHANDLE)>(L"advapi32", "OpenProcessToken");
     return s_pfnReal(hProcess, dwAccess, phToken);
 }
 

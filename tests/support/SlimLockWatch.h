@@ -35,17 +35,12 @@ private:
     static void WINAPI Take(PSRWLOCK pLock)
     {
         Note("take ");
-        Platform("AcquireSRWLockExclusive")(pLock);
+        Platform<void WINAPI(PSRWLOCK)>(L"kernel32", "AcquireSRWLockExclusive")(pLock);
     }
     static void WINAPI Give(PSRWLOCK pLock)
     {
         Note("give ");
-        Platform("ReleaseSRWLockExclusive")(pLock);
-    }
-    static void(WINAPI* Platform(const char* pszFunction))(PSRWLOCK)
-    {
-        return reinterpret_cast<void(WINAPI*)(PSRWLOCK)>(
-            reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), pszFunction)));
+        Platform<void WINAPI(PSRWLOCK)>(L"kernel32", "ReleaseSRWLockExclusive")(pLock);
     }
 
     static inline int (*s_pfnState)() = nullptr;

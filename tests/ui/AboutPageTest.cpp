@@ -9,7 +9,6 @@
 #include <catch2/catch_test_macros.hpp>
 #include <catch2/generators/catch_generators.hpp>
 
-#include <cstdlib>
 #include <utility>
 
 namespace
@@ -114,23 +113,19 @@ GuardedBuffer* s_pGuarded = nullptr;
 /// Puts the module's picture against a page that can't be touched.
 void* GuardPicture(size_t uiCount, size_t cbSize)
 {
-    static auto* const pfnCalloc = reinterpret_cast<decltype(&std::calloc)>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt"), "calloc")));
     if (uiCount * cbSize == kPictureBytes && s_pGuarded == nullptr)
     {
         s_pGuarded = new GuardedBuffer(kPictureBytes, 0);
         return s_pGuarded->Get();
     }
-    return pfnCalloc(uiCount, cbSize);
+    return Platform<void*(size_t, size_t)>(L"msvcrt", "calloc")(uiCount, cbSize);
 }
 
 void FreeUnlessGuarded(void* p)
 {
-    static auto* const pfnFree = reinterpret_cast<decltype(&std::free)>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt"), "free")));
     if (s_pGuarded == nullptr || p != s_pGuarded->Get())
     {
-        pfnFree(p);
+        Platform<void(void*)>(L"msvcrt", "free")(p);
     }
 }
 

@@ -39,9 +39,7 @@ void* FailPageMalloc(size_t uiSize)
     {
         return nullptr;
     }
-    using Malloc = void*(size_t);
-    return reinterpret_cast<Malloc*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt"), "malloc")))(
-        uiSize);
+    return Platform<void*(size_t)>(L"msvcrt", "malloc")(uiSize);
 }
 
 } // namespace

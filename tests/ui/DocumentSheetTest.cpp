@@ -26,19 +26,13 @@ int s_iFailing = 0;
 std::map<void*, size_t> s_blocks;
 std::vector<void*> s_freed;
 
-template <typename Function>
-Function* Msvcrt(const char* pszName)
-{
-    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt"), pszName)));
-}
-
 void* NotedCalloc(size_t uiCount, size_t uiSize)
 {
     if (uiCount * uiSize == s_uiFailSize && --s_iFailing == 0)
     {
         return nullptr;
     }
-    void* const pBlock = Msvcrt<void*(size_t, size_t)>("calloc")(uiCount, uiSize);
+    void* const pBlock = Platform<void*(size_t, size_t)>(L"msvcrt", "calloc")(uiCount, uiSize);
     s_blocks[pBlock] = uiCount * uiSize;
     return pBlock;
 }
@@ -49,7 +43,7 @@ void NotedFree(void* pBlock)
     {
         s_freed.push_back(pBlock);
     }
-    Msvcrt<void(void*)>("free")(pBlock);
+    Platform<void(void*)>(L"msvcrt", "free")(pBlock);
 }
 
 /// Makes one allocation of the module fail and keeps the books on what it allocates.
@@ -98,9 +92,7 @@ void NoteFree(void* p)
         s_pSheetData = nullptr;
         s_bEndWasTold = s_pLogOfSheet->Has("PROPSHEETUI_REASON_DESTROY");
     }
-    static auto* const pfnFree =
-        reinterpret_cast<void (*)(void*)>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt"), "free")));
-    pfnFree(p);
+    Platform<void(void*)>(L"msvcrt", "free")(p);
 }
 
 } // namespace

@@ -276,9 +276,7 @@ namespace
 
 LONG_PTR RealSetWindowLong(HWND hWindow, int iIndex, LONG_PTR lValue)
 {
-    using Real = LONG_PTR WINAPI(HWND, int, LONG_PTR);
-    auto* const pfnReal = reinterpret_cast<Real*>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32"), "SetWindowLongPtrW")));
+    auto* const pfnReal = Platform<LONG_PTR WINAPI(HWND, int, LONG_PTR)>(L"user32", "SetWindowLongPtrW");
     return pfnReal(hWindow, iIndex, lValue);
 }
 

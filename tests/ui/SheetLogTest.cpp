@@ -8,6 +8,8 @@
 #include "tools/velhost/install/LogSetup.h"
 #include "tools/velhost/sheet/SheetLibrary.h"
 
+#include <boost/algorithm/string/predicate.hpp>
+
 #include <catch2/catch_test_macros.hpp>
 
 #include <algorithm>
@@ -71,12 +73,6 @@ struct SheetLogFixture : ClientFixture
     }
 };
 
-bool EndsWith(const std::string& strText, const std::string& strEnd)
-{
-    return strText.size() >= strEnd.size() &&
-           strText.compare(strText.size() - strEnd.size(), strEnd.size(), strEnd) == 0;
-}
-
 /// A function's scope, and what stands in it.
 struct Scope
 {
@@ -94,13 +90,13 @@ std::vector<Scope> ReadScopes(const Lines& lines)
     std::vector<Scope> open;
     for (const std::string& strLine : lines)
     {
-        if (EndsWith(strLine, strStart))
+        if (boost::ends_with(strLine, strStart))
         {
             open.push_back({strLine.substr(0, strLine.size() - strStart.size()),
                             open.empty() ? std::string() : open.back().strFunction,
                             {}});
         }
-        else if (EndsWith(strLine, strEnd))
+        else if (boost::ends_with(strLine, strEnd))
         {
             CAPTURE(strLine);
             REQUIRE(!open.empty());

@@ -37,8 +37,7 @@ void InstallOldForm(const std::wstring& strFile)
 /// Windows has every file but its PostScript driver.
 DWORD WINAPI AttributesWithoutRenderer(LPCWSTR pszPath)
 {
-    static const auto s_pfnReal = reinterpret_cast<decltype(&GetFileAttributesW)>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "GetFileAttributesW")));
+    static auto* const s_pfnReal = Platform<DWORD WINAPI(LPCWSTR)>(L"kernel32", "GetFileAttributesW");
     const std::wstring strPath = pszPath;
     constexpr wchar_t kRenderer[] = L"wineps.drv";
     if (strPath.size() > 10 && IsSameName(strPath.substr(strPath.size() - 10), kRenderer))
