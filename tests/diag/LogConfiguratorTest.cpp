@@ -3,6 +3,7 @@
 #include "diag/Log.h"
 #include "diag/LogConfigurator.h"
 #include "diag/OutputSwitches.h"
+#include "tests/common/ImportHook.h"
 #include "tests/diag/LoggingOn.h"
 
 #include <log4cpp/Category.hh>
@@ -68,6 +69,30 @@ std::string Rule(const std::string& strModule, const std::string& strClass, cons
 {
     return "filter.module=" + strModule + "\nfilter.class=" + strClass + "\nfilter.function=" + strFunction +
            "\nfilter.putoutpermission=" + strPermission + "\n";
+}
+
+std::string s_strLockSteps;
+
+void WINAPI NoteEnter(CRITICAL_SECTION* pLock)
+{
+    Platform<void WINAPI(CRITICAL_SECTION*)>(L"kernel32", "EnterCriticalSection")(pLock);
+    s_strLockSteps += "enter ";
+}
+
+void WINAPI NoteLeave(CRITICAL_SECTION* pLock)
+{
+    s_strLockSteps += "leave ";
+    Platform<void WINAPI(CRITICAL_SECTION*)>(L"kernel32", "LeaveCriticalSection")(pLock);
+}
+
+/// What is done to critical sections while pfnCall runs.
+std::string LockSteps(void (*pfnCall)())
+{
+    const ImportHook enter{nullptr, "EnterCriticalSection", &NoteEnter};
+    const ImportHook leave{nullptr, "LeaveCriticalSection", &NoteLeave};
+    s_strLockSteps.clear();
+    pfnCall();
+    return s_strLockSteps;
 }
 
 } // namespace
@@ -155,6 +180,17 @@ TEST_CASE("an unknown switch name still makes a record, and a record can be remo
     CHECK(Reading::Switches("D") == "1000");
     ClearOutputSwitches();
     CHECK(Reading::Switches("D") == "none");
+}
+
+TEST_CASE("the switches are set, read and removed under their lock", "[diag][config]")
+{
+    CHECK(LockSteps([] { SetOutputSwitch("C", "OutputParam", true); }) == "enter leave ");
+    CHECK(LockSteps([] {
+              OutputSwitches switches;
+              GetOutputSwitches("C", switches);
+          }) == "enter leave ");
+    CHECK(LockSteps([] { RemoveOutputSwitches("C"); }) == "enter leave ");
+    CHECK(LockSteps([] { ClearOutputSwitches(); }) == "enter leave ");
 }
 
 TEST_CASE("a rule applies in three shapes only", "[diag][filter]")

@@ -35,6 +35,17 @@ struct EmittedVariable
 
 EmittedVariable s_watched = {4, 4, 0, nullptr};
 
+/// How often the program gave memory back, and how often with flags: one of them tells the heap not to lock itself.
+int s_iFreed = 0;
+int s_iFreedWithFlags = 0;
+
+BOOL WINAPI CountHeapFree(HANDLE hHeap, DWORD dwFlags, void* pv)
+{
+    ++s_iFreed;
+    s_iFreedWithFlags += dwFlags != 0;
+    return Platform<BOOL WINAPI(HANDLE, DWORD, void*)>(L"kernel32", "HeapFree")(hHeap, dwFlags, pv);
+}
+
 int HasNumber()
 {
     return s_watched.number != 0 ? 1 : 0;
@@ -207,6 +218,27 @@ TEST_CASE("a thread's end frees each of its variables", "[support][tls]")
     }
     CHECK(uiRunning > uiBefore + 3 * kSize);
     CHECK(HeapInUse(GetProcessHeap()) < uiBefore + kSize);
+}
+
+TEST_CASE("a thread's variables and its store of them are given back to a heap that locks itself", "[support][tls]")
+{
+    static EmittedVariable s_variables[20]; // so many that the store grows
+    for (EmittedVariable& variable : s_variables)
+    {
+        variable = {sizeof(int), alignof(int), 0, nullptr};
+    }
+    s_iFreed = s_iFreedWithFlags = 0;
+    {
+        const ImportHook hook{nullptr, "HeapFree", &CountHeapFree};
+        OnThread([] {
+            for (EmittedVariable& variable : s_variables)
+            {
+                s_pfnGetAddress(&variable);
+            }
+        });
+    }
+    CHECK(s_iFreed >= 22);
+    CHECK(s_iFreedWithFlags == 0);
 }
 
 TEST_CASE("using a thread's variable leaves the last error alone", "[support][tls]")

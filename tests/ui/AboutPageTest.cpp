@@ -79,12 +79,25 @@ HANDLE WINAPI NoteLoading(HINSTANCE, LPCWSTR, UINT, int, int, UINT uiFlags)
     return nullptr;
 }
 
+constexpr size_t kMiddleOfEdge = 70; // the pixel that is the picture's colour at each size
 bool s_bDrawn = false;
 bool s_bDrawnAtFlush = false;
+const DWORD* s_pdwPixels = nullptr; // of the picture that is drawn
+DWORD s_dwEdgeAtFlush = 1;
+
+HBITMAP WINAPI NotePixels(HDC hDC, const BITMAPINFO* pFormat, UINT uiUsage, void** ppBits, HANDLE hSection,
+                          DWORD dwOffset)
+{
+    const HBITMAP hPicture = Platform<decltype(CreateDIBSection)>(L"gdi32", "CreateDIBSection")(
+        hDC, pFormat, uiUsage, ppBits, hSection, dwOffset);
+    s_pdwPixels = static_cast<const DWORD*>(*ppBits);
+    return hPicture;
+}
 
 BOOL WINAPI NoteFlush()
 {
     s_bDrawnAtFlush = s_bDrawn;
+    s_dwEdgeAtFlush = s_pdwPixels[kMiddleOfEdge];
     return TRUE;
 }
 
@@ -260,9 +273,12 @@ TEST_CASE_METHOD(AboutFixture,
                  "[ui][about]")
 {
     s_bDrawn = s_bDrawnAtFlush = false;
-    const ImportHook hook(nullptr, "GdiFlush", &NoteFlush);
+    const ImportHook pixelsHook(nullptr, "CreateDIBSection", &NotePixels);
+    const ImportHook flushHook(nullptr, "GdiFlush", &NoteFlush);
     const PageWindow page(module.handle, IDD_ABOUT, &ProColouredPage, 0);
     CHECK(s_bDrawnAtFlush);
+    CHECK(s_dwEdgeAtFlush == 0);
+    CHECK(s_pdwPixels[kMiddleOfEdge] == kGround);
 }
 
 TEST_CASE_METHOD(AboutFixture, "the module's picture is loaded as it is, for this page alone", "[ui][about]")

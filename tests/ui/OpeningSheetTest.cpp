@@ -49,6 +49,23 @@ int WINAPI NoteLoadString(HINSTANCE hModule, UINT uiId, LPWSTR pszText, int iUni
     return LoadStringW(hModule, uiId, pszText, iUnits);
 }
 
+/// A page's title that is longer than a string holds in itself: "bb..." for 102, "cc..." for 103, "dd..." for 104.
+std::wstring LongTitle(UINT uiId)
+{
+    return std::wstring(40, static_cast<wchar_t>(L'b' + uiId - 102));
+}
+
+int WINAPI LoadLongTitle(HINSTANCE hModule, UINT uiId, LPWSTR pszText, int iUnits)
+{
+    if (uiId < 102 || uiId > 104)
+    {
+        return LoadStringW(hModule, uiId, pszText, iUnits);
+    }
+    const std::wstring strTitle = LongTitle(uiId);
+    wcscpy_s(pszText, iUnits, strTitle.c_str());
+    return static_cast<int>(strTitle.size());
+}
+
 std::vector<PROPSHEETPAGEW> s_pages;
 std::vector<std::wstring> s_titles;
 
@@ -167,6 +184,21 @@ TEST_CASE_METHOD(DocumentFixture, "the device sheet's page is described like the
     REQUIRE(s_pages.size() == 1);
     CheckPage(s_pages[0], module.handle, 104, 0);
     CHECK(s_titles == std::vector<std::wstring>{L"关于"});
+}
+
+TEST_CASE_METHOD(DocumentFixture, "a page has its title whole, however long it is", "[driver][sheet][device]")
+{
+    const ImportHook hook(module.handle, "LoadStringW", &LoadLongTitle);
+    {
+        const PageNotes notes(module.handle);
+        REQUIRE(calls.Call(PROPSHEETUI_REASON_INIT) == 1);
+        CHECK(s_titles == std::vector<std::wstring>{LongTitle(103), LongTitle(104), LongTitle(102)});
+        calls.Call(PROPSHEETUI_REASON_DESTROY);
+    }
+    const PageNotes notes(module.handle);
+    DeviceCalls device{module.DeviceSheets};
+    REQUIRE(device.Call(PROPSHEETUI_REASON_INIT) == 1);
+    CHECK(s_titles == std::vector<std::wstring>{LongTitle(102)});
 }
 
 TEST_CASE_METHOD(DocumentFixture, "a sheet's data lies in memory as its readers expect it", "[driver][sheet]")
