@@ -8,6 +8,7 @@
 #include "support/Memory.h"
 
 #include <algorithm>
+#include <boost/algorithm/string/trim.hpp>
 #include <cstdlib>
 #include <cstring>
 #include <cwctype>
@@ -25,42 +26,21 @@ namespace
 /// What GetHost is told of its buffer.
 constexpr DWORD kHostSize = 255;
 
-/// Copies a text without the white space at its ends. Does nothing for a null argument or an empty text.
-/// @param szTarget [out] buffer for the whole source.
-void StripText(const wchar_t* pszSource, wchar_t* szTarget)
-{
-    if (pszSource == nullptr || szTarget == nullptr || *pszSource == L'\0')
-    {
-        return;
-    }
-    while (std::iswspace(*pszSource))
-    {
-        ++pszSource;
-    }
-    size_t uiLength = wcslen(pszSource);
-    while (uiLength > 0 && std::iswspace(pszSource[uiLength - 1]))
-    {
-        --uiLength;
-    }
-    wmemmove(szTarget, pszSource, uiLength);
-    szTarget[uiLength] = L'\0';
-}
-
 /// The host's part of the work: the stripped name and the front address.
 DWORD FillHost(wchar_t* szHostName, DWORD uiHostSize, BYTE* pbyIP)
 {
     wchar_t szName[kHostNameUnits] = {};
-    wchar_t szStripped[kHostNameUnits] = {};
     std::list<DWORD> addresses;
     if (!GetHost(szName, kHostSize, addresses))
     {
         LOG_ERROR("GetHost failed.");
         return PSERR_FAILED;
     }
-    StripText(szName, szStripped);
     if (szHostName != nullptr)
     {
-        wcsncpy(szHostName, szStripped, std::min<size_t>(uiHostSize, wcslen(szStripped) + 1));
+        const std::wstring strName =
+            boost::trim_copy_if(std::wstring(szName), [](wchar_t ch) { return std::iswspace(ch); });
+        wcsncpy(szHostName, strName.c_str(), std::min<size_t>(uiHostSize, strName.size() + 1));
     }
     if (pbyIP != nullptr)
     {
