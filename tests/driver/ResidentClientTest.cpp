@@ -121,6 +121,28 @@ TEST_CASE_METHOD(LauncherFixture, "a client that ended is found dead and started
     WaitForRunning(strClient, 1);
 }
 
+TEST_CASE_METHOD(LauncherFixture, "a client that was found dead is not asked for again", "[driver][client]")
+{
+    PlaceStandIn(strClient);
+    Check();
+    WaitForRunning(strClient, 1);
+    Check();
+    StopClient(strClient);
+    REQUIRE(DeleteFileW(strClient.c_str())); // so that none is started
+    const DWORD dwStart = GetTickCount();
+    do // as above, until the answer has come
+    {
+        Sleep(50);
+        ResetCounts();
+        Check();
+    } while (s_iWalks == 0 && GetTickCount() - dwStart < 10000);
+    CHECK(s_iVersions == 1);
+    ResetCounts();
+    Check();
+    CHECK(s_iVersions == 0);
+    CHECK(s_iWalks == 1);
+}
+
 TEST_CASE_METHOD(LauncherFixture, "a client of the same name from another folder does not count", "[driver][client]")
 {
     const std::wstring strOther = folder.File(L"velprintd.exe");
