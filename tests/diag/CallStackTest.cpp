@@ -2,6 +2,7 @@
 
 #include "diag/Frame.h"
 #include "diag/Log.h"
+#include "tests/common/ImportHook.h"
 #include "tests/diag/LoggingOn.h"
 
 #include <log4cpp/NDC.hh>
@@ -21,6 +22,14 @@ constexpr char kDumpEnd[] = "\t\t\t@_@ ---------\tStack\tEnd\t-----------\n\n\n\
 std::string DumpRow(int iDepth, const std::string& strModule, const std::string& strFunction)
 {
     return "\t\t\t@_@ " + std::to_string(iDepth) + "\t" + strModule + "\t\t\t\t\t\t\t" + strFunction + "\n\n";
+}
+
+/// Takes a call for a function whose frame finds no memory.
+void BeginWithoutMemory()
+{
+    const ImportHook hook(
+        nullptr, "malloc", +[](size_t) -> void* { return nullptr; });
+    TraceFunctionBegin(kModuleTag, "", "FunctionWithoutMemory");
 }
 
 } // namespace
@@ -118,6 +127,22 @@ TEST_CASE("the running function is the one that was entered last and has not end
     LogInfo("4");
     CHECK(logging.Lines() == Strings{"VelUI_dll.A [ThreadID:#] INFO - 1", "VelUI_dll.B [ThreadID:#] INFO - 2",
                                      "VelUI_dll.A [ThreadID:#] INFO - 3"});
+}
+
+TEST_CASE("behind a frame that finds no memory nothing is logged under another function's name", "[diag][trace]")
+{
+    const LoggingOn logging;
+    const TraceScope outer("A");
+    BeginWithoutMemory();
+    LogInfo("in the function without a frame");
+    TraceFunctionEnd();
+    LogInfo("in A, whose frame went with it");
+    {
+        const TraceScope next("B");
+        LogInfo("in the next");
+    }
+    CHECK(logging.Lines() == Strings{"[ThreadID:#] INFO - in the next"});
+    CHECK(log4cpp::NDC::getDepth() == 0);
 }
 
 TEST_CASE("an exception that leaves a function closes its frame", "[diag][trace]")
