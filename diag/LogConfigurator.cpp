@@ -3,8 +3,11 @@
 #include "diag/OutputSwitches.h"
 
 #include <algorithm>
+#include <boost/algorithm/string/erase.hpp>
+#include <boost/algorithm/string/predicate.hpp>
 #include <fstream>
 #include <iostream>
+#include <locale>
 #include <memory>
 
 namespace
@@ -14,11 +17,6 @@ namespace
 constexpr int kLineChars = 1024;
 /// A rule is complete after so many lines with one of its keys.
 constexpr int kKeysOfRule = 4;
-
-void RemoveBlanks(std::string& strText)
-{
-    strText.erase(std::remove(strText.begin(), strText.end(), ' '), strText.end());
-}
 
 } // namespace
 
@@ -70,15 +68,12 @@ void LogConfigurator::ApplySwitch(const char* pszSwitch, std::string strKey, std
     {
         return;
     }
-    RemoveBlanks(strKey);
-    RemoveBlanks(strValue);
-    for (char& c : strValue)
-    {
-        c = static_cast<char>(c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c);
-    }
+    boost::erase_all(strKey, " ");
+    boost::erase_all(strValue, " ");
+    const bool bOn = boost::iequals(strValue, "true", std::locale::classic()); // A to Z alone have small letters
     // Required: the category is what follows the name's length and one more character, whatever that character is. A
     // key of the name alone raises out_of_range, which turns logging off for the whole run.
-    SetOutputSwitch(strKey.substr(strSwitch.size() + 1), strSwitch, strValue == "true");
+    SetOutputSwitch(strKey.substr(strSwitch.size() + 1), strSwitch, bOn);
 }
 
 void LogConfigurator::ApplyFilterKey(Rule& rule, std::string strKey, const std::string& strValue)
