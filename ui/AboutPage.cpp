@@ -133,13 +133,13 @@ void Lay(const Pixels& source, const SIZE& target, BYTE* pbyTarget)
 }
 
 /// Draws what the page has behind a control. The page itself draws it: a theme's background is no plain colour.
+/// @param hDC the picture's own; its origin stays moved.
 void DrawBackground(HWND hDlg, HWND hControl, HDC hDC)
 {
     POINT origin = {};
     MapWindowPoints(hControl, hDlg, &origin, 1);
     SetViewportOrgEx(hDC, -origin.x, -origin.y, nullptr);
     SendMessageW(hDlg, WM_ERASEBKGND, reinterpret_cast<WPARAM>(hDC), 0);
-    SetViewportOrgEx(hDC, 0, 0, nullptr);
 }
 
 /// Draws the picture in its control's size, on the page's own background. @return null where something can't be had.

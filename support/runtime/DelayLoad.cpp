@@ -175,12 +175,10 @@ void Fill(FARPROC* ppfnSlot, FARPROC pfn)
 /// handler of the host's goes on behind it.
 FARPROC Fail(const ImgDelayDescr& description, FARPROC* ppfnSlot, const IMAGE_IMPORT_BY_NAME& name, HMODULE hLibrary)
 {
-    const DWORD dwError = GetLastError();
     for (const StandIn& standIn : kStandIns)
     {
         if (std::strcmp(standIn.pszFunction, reinterpret_cast<const char*>(name.Name)) == 0)
         {
-            SetLastError(dwError);
             return standIn.pfn; // the slot stays, so that the next call tries again
         }
     }
@@ -192,7 +190,7 @@ FARPROC Fail(const ImgDelayDescr& description, FARPROC* ppfnSlot, const IMAGE_IM
     info.dlp.fImportByName = TRUE;
     info.dlp.szProcName = reinterpret_cast<const char*>(name.Name);
     info.hmodCur = hLibrary;
-    info.dwLastError = dwError;
+    info.dwLastError = GetLastError();
     const auto ulInfo = reinterpret_cast<ULONG_PTR>(&info);
     const DWORD dwMissing = hLibrary == nullptr ? ERROR_MOD_NOT_FOUND : ERROR_PROC_NOT_FOUND;
     RaiseException(static_cast<DWORD>(VcppException(ERROR_SEVERITY_ERROR, dwMissing)), 0, 1, &ulInfo);

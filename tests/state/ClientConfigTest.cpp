@@ -1,6 +1,7 @@
 #include "state/CapabilitySnapshot.h"
 #include "state/ConfigFile.h"
 #include "state/UserIniFiles.h"
+#include "tests/common/AskedAccess.h"
 #include "tests/common/ClientFixture.h"
 
 #include <catch2/catch_test_macros.hpp>
@@ -125,6 +126,7 @@ TEST_CASE_METHOD(ConfigFixture, "Config.ini is found when it exists, whatever it
     CHECK(CheckConfigFile() == 1);
     WriteFileBytes(ConfigFile(), "");
     CHECK(CheckConfigFile() == 0);
+    CHECK(AskedAccess([] { CheckConfigFile(); }) == 0); // to be there is enough
 }
 
 TEST_CASE("without the temporary folder every call on Config.ini returns 1", "[state][config]")

@@ -2,6 +2,7 @@
 
 #include "support/CommandLine.h"
 #include "support/Exception.h"
+#include "tests/common/AskedAccess.h"
 #include "tests/common/BuiltModule.h"
 #include "tests/common/HeapUse.h"
 #include "tests/common/ImportHook.h"
@@ -219,6 +220,12 @@ TEST_CASE("an existing file that is no program raises nothing", "[support][launc
     WriteFileBytes(folder.File(L"a.exe"), "no program");
     Language::LaunchCommandLine(folder.File(L"a.exe"), false);
     CHECK_FALSE(PathExists(folder.File(L"a.exe.ran")));
+}
+
+TEST_CASE_METHOD(LaunchCalls, "to start a program it is enough that its file is there", "[support][launch]")
+{
+    CHECK(AskedAccess([] { Language::LaunchCommandLine(L"C:\\no such\\a.exe", false); }) == 0);
+    CHECK(s_modes.size() == 1);
 }
 
 TEST_CASE_METHOD(LaunchCalls, "a start that is not waited for leaves its process's handle open", "[support][launch]")

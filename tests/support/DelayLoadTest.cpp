@@ -250,7 +250,10 @@ TEST_CASE("a call without a documented failure raises the exception that tells i
     CHECK(s_raised.dwCode == 0xC06D007E);
     CHECK(s_raised.strLibrary == "velnone.dll");
     CHECK(s_raised.strFunction == "EnableWindow");
+    CHECK(s_raised.info.cb == 72); // the published record's size on 64 bits
     CHECK(s_raised.info.pidd == &function.Description());
+    CHECK(s_raised.info.ppfn == DelayedFunction::SlotsPlace());
+    CHECK(s_raised.info.dlp.fImportByName == TRUE);
     CHECK(s_raised.info.dwLastError == ERROR_MOD_NOT_FOUND);
     CHECK(s_raised.info.hmodCur == nullptr);
     CHECK(pfn() == 0); // where a handler goes on behind it
