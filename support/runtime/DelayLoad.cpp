@@ -22,9 +22,9 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstring>
 #include <delayimp.h>
-#include <iterator>
 
 /// The module's own first byte.
 extern "C" IMAGE_DOS_HEADER __image_base__;
@@ -63,15 +63,14 @@ bool IsRedirected(const wchar_t* pszLibrary)
 /// @return null, and the last error, when it can't be had.
 HMODULE LoadFromSystem(const char* pszLibrary)
 {
-    wchar_t szLibrary[64];
-    MultiByteToWideChar(CP_ACP, 0, pszLibrary, -1, szLibrary, static_cast<int>(std::size(szLibrary)));
-    wchar_t szPath[MAX_PATH + std::size(szLibrary)];
+    wchar_t szPath[MAX_PATH + 64];
     const UINT cchFolder = GetSystemDirectoryW(szPath, MAX_PATH);
     szPath[cchFolder] = L'\\';
-    std::memcpy(szPath + cchFolder + 1, szLibrary, sizeof(szLibrary));
+    wchar_t* const pszName = szPath + cchFolder + 1;
+    std::copy_n(pszLibrary, std::strlen(pszLibrary) + 1, pszName); // out of cmake/DelayLoad.cmake: short, and ASCII
     // By its full path: by its name alone a library of that name which the application has loaded would be taken. A
     // redirection is only looked for by the name.
-    return LoadLibraryExW(IsRedirected(szLibrary) ? szLibrary : szPath, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+    return LoadLibraryExW(IsRedirected(pszName) ? pszName : szPath, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
 }
 
 /// The library of a description, loaded when it is not yet.
@@ -208,7 +207,7 @@ struct LibraryReturner
         {
             return;
         }
-        for (const ImgDelayDescr* p = &s_first + 1; p < &s_last; ++p)
+        for (const ImgDelayDescr* p = &s_first; ++p < &s_last;)
         {
             if (p->grAttrs == dlattrRva && *Rva<HMODULE>(p->rvaHmod) != nullptr)
             {

@@ -170,6 +170,20 @@ TEST_CASE_METHOD(SizeFixture, "a text of digits passes up to the length asked fo
     CHECK(watcher.Count() == 2);
 }
 
+TEST_CASE_METHOD(SizeFixture, "the boxes' handler answers 1 when it has selected the paper of the typed size",
+                 "[ui][settings]")
+{
+    UsePapers(kPapers, {});
+    const PageWindow page = Open();
+    bPaperSync = 0;
+    page.Type(1007, L"148");
+    page.Type(1008, L"210");
+    bPaperSync = 1;
+    REQUIRE(page.Paper() == L"A4");
+    CHECK(Sub_On_Edit(page.Get(), EN_CHANGE, &data) == 1);
+    CHECK(page.Paper() == L"A5");
+}
+
 TEST_CASE_METHOD(SizeFixture, "a non-digit in either box makes the boxes' handler answer 0 and change nothing",
                  "[ui][settings]")
 {
