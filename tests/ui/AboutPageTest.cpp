@@ -289,6 +289,17 @@ TEST_CASE_METHOD(AboutFixture, "the module's picture is loaded as it is, for thi
     CHECK(SendMessageW(page.Item(1011), STM_GETIMAGE, IMAGE_BITMAP, 0) != 0); // what the dialog's description names
 }
 
+TEST_CASE_METHOD(AboutFixture, "a picture whose pixels can't be had leaves the dialog's own one", "[ui][about]")
+{
+    const auto open = [this] {
+        const ImportHook hook(
+            nullptr, "GetDIBits", +[](HDC, HBITMAP, UINT, UINT, LPVOID, LPBITMAPINFO, UINT) { return 0; });
+        return Open();
+    };
+    const PageWindow page = open();
+    CHECK(ShownPicture(page.Item(1011)).At(80, 8) == kGround);
+}
+
 TEST_CASE_METHOD(AboutFixture, "nothing is read behind the about picture's last pixel", "[ui][about]")
 {
     const PageWindow page = Open();
