@@ -24,7 +24,7 @@ std::string DumpRow(int iDepth, const std::string& strModule, const std::string&
     return "\t\t\t@_@ " + std::to_string(iDepth) + "\t" + strModule + "\t\t\t\t\t\t\t" + strFunction + "\n\n";
 }
 
-/// Takes a call for a function whose frame finds no memory.
+/// Begins a function whose frame finds no memory.
 void BeginWithoutMemory()
 {
     const ImportHook hook(

@@ -79,7 +79,7 @@ HANDLE WINAPI NoteLoading(HINSTANCE, LPCWSTR, UINT, int, int, UINT uiFlags)
     return nullptr;
 }
 
-constexpr size_t kMiddleOfEdge = 70; // the pixel that is the picture's colour at each size
+constexpr size_t kMiddleOfEdge = 70; // a pixel of the first line, between the round corners
 bool s_bDrawn = false;
 bool s_bDrawnAtFlush = false;
 const DWORD* s_pdwPixels = nullptr; // of the picture that is drawn
