@@ -78,6 +78,7 @@ private:
 struct Raised
 {
     DWORD dwCode = 0;
+    DWORD dwFlags = 1;
     DelayLoadInfo info = {};
     std::string strLibrary;
     std::string strFunction;
@@ -92,6 +93,7 @@ LONG CALLBACK TakeNote(EXCEPTION_POINTERS* pPointers)
         return EXCEPTION_CONTINUE_SEARCH;
     }
     s_raised.dwCode = record.ExceptionCode;
+    s_raised.dwFlags = record.ExceptionFlags;
     s_raised.info = *reinterpret_cast<const DelayLoadInfo*>(record.ExceptionInformation[0]);
     s_raised.strLibrary = s_raised.info.szDll;
     s_raised.strFunction = s_raised.info.dlp.szProcName;
@@ -248,6 +250,7 @@ TEST_CASE("a call without a documented failure raises the exception that tells i
     const Watch watch;
     const FARPROC pfn = function.Resolve();
     CHECK(s_raised.dwCode == 0xC06D007E);
+    CHECK(s_raised.dwFlags == 0); // a handler may go on behind it
     CHECK(s_raised.strLibrary == "velnone.dll");
     CHECK(s_raised.strFunction == "EnableWindow");
     CHECK(s_raised.info.cb == 72); // the published record's size on 64 bits
@@ -256,7 +259,7 @@ TEST_CASE("a call without a documented failure raises the exception that tells i
     CHECK(s_raised.info.dlp.fImportByName == TRUE);
     CHECK(s_raised.info.dwLastError == ERROR_MOD_NOT_FOUND);
     CHECK(s_raised.info.hmodCur == nullptr);
-    CHECK(pfn() == 0); // where a handler goes on behind it
+    CHECK(pfn() == 0);
     CHECK(function.SlotIsUntouched());
 }
 
