@@ -1,5 +1,6 @@
 // How the settings page reads the size boxes, and which paper it finds for what they hold.
 
+#include "tests/common/ImportHook.h"
 #include "tests/common/LogLines.h"
 #include "tests/ui/BoxWatcher.h"
 #include "tests/ui/SettingsFixture.h"
@@ -29,6 +30,17 @@ struct SizeFixture : SettingsFixture
     }
     BoxWatcher watcher;
 };
+
+/// How the buffer began in which the text of no entry was asked for: nothing is written into it.
+wchar_t s_chUnselected = L'?';
+LRESULT WINAPI NoteUnselected(HWND hDlg, int iItem, UINT uiMessage, WPARAM wParam, LPARAM lParam)
+{
+    if (uiMessage == CB_GETLBTEXT && wParam == static_cast<WPARAM>(-1))
+    {
+        s_chUnselected = *reinterpret_cast<const wchar_t*>(lParam);
+    }
+    return SendMessageW(GetDlgItem(hDlg, iItem), uiMessage, wParam, lParam);
+}
 
 /// DC_MINEXTENT or DC_MAXEXTENT in tenths of a millimetre.
 std::wstring Extent(int iX, int iY)
@@ -182,6 +194,21 @@ TEST_CASE_METHOD(SizeFixture, "the boxes' handler answers 1 when it has selected
     REQUIRE(page.Paper() == L"A4");
     CHECK(Sub_On_Edit(page.Get(), EN_CHANGE, &data) == 1);
     CHECK(page.Paper() == L"A5");
+}
+
+TEST_CASE_METHOD(SizeFixture, "a list without a selection gets the paper of the size that the boxes have",
+                 "[ui][settings]")
+{
+    UsePapers(kPapers, {});
+    const PageWindow page = Open();
+    SendMessageW(page.Item(1006), CB_SETCURSEL, static_cast<WPARAM>(-1), 0);
+    s_chUnselected = L'?';
+    {
+        const ImportHook hook(nullptr, "SendDlgItemMessageW", &NoteUnselected);
+        CHECK(Sub_On_Edit(page.Get(), EN_CHANGE, &data) == 1);
+    }
+    CHECK(s_chUnselected == L'\0');
+    CHECK(page.Paper() == L"A4");
 }
 
 TEST_CASE_METHOD(SizeFixture, "a non-digit in either box makes the boxes' handler answer 0 and change nothing",
