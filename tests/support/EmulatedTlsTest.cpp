@@ -35,14 +35,30 @@ struct EmittedVariable
 
 EmittedVariable s_watched = {4, 4, 0, nullptr};
 
-/// How often the program gave memory back, and how often with flags: one of them tells the heap not to lock itself.
+/// What threads but this one took from the heap and gave back, and how often with flags that it must not have: one of
+/// them tells the heap not to lock itself.
+DWORD s_dwThisThread = 0;
+int s_iTaken = 0;
 int s_iFreed = 0;
-int s_iFreedWithFlags = 0;
+int s_iWrongFlags = 0;
+
+void* WINAPI CountHeapAlloc(HANDLE hHeap, DWORD dwFlags, SIZE_T cb)
+{
+    if (GetCurrentThreadId() != s_dwThisThread)
+    {
+        ++s_iTaken;
+        s_iWrongFlags += dwFlags != HEAP_ZERO_MEMORY;
+    }
+    return Platform<void * WINAPI(HANDLE, DWORD, SIZE_T)>(L"kernel32", "HeapAlloc")(hHeap, dwFlags, cb);
+}
 
 BOOL WINAPI CountHeapFree(HANDLE hHeap, DWORD dwFlags, void* pv)
 {
-    ++s_iFreed;
-    s_iFreedWithFlags += dwFlags != 0;
+    if (GetCurrentThreadId() != s_dwThisThread)
+    {
+        ++s_iFreed;
+        s_iWrongFlags += dwFlags != 0;
+    }
     return Platform<BOOL WINAPI(HANDLE, DWORD, void*)>(L"kernel32", "HeapFree")(hHeap, dwFlags, pv);
 }
 
@@ -227,25 +243,30 @@ TEST_CASE("a thread's end frees each of its variables", "[support][tls]")
     CHECK(HeapInUse(GetProcessHeap()) < uiBefore + kSize);
 }
 
-TEST_CASE("a thread's variables and its store of them are given back to a heap that locks itself", "[support][tls]")
+TEST_CASE("a thread's variables and its store of them, all given back, come from a heap that locks itself",
+          "[support][tls]")
 {
     static EmittedVariable s_variables[20]; // so many that the store grows
     for (EmittedVariable& variable : s_variables)
     {
         variable = {sizeof(int), alignof(int), 0, nullptr};
     }
-    s_iFreed = s_iFreedWithFlags = 0;
+    s_dwThisThread = GetCurrentThreadId();
+    s_iTaken = s_iFreed = s_iWrongFlags = 0;
     {
-        const ImportHook hook{nullptr, "HeapFree", &CountHeapFree};
+        const ImportHook takeHook{nullptr, "HeapAlloc", &CountHeapAlloc};
+        const ImportHook giveHook{nullptr, "HeapFree", &CountHeapFree};
         OnThread([] {
             for (EmittedVariable& variable : s_variables)
             {
                 s_pfnGetAddress(&variable);
             }
+            CHECK_THROWS(throw 1); // the variable of all that throws, the first one to have a number
         });
     }
-    CHECK(s_iFreed >= 22);
-    CHECK(s_iFreedWithFlags == 0);
+    CHECK(s_iTaken >= 22);
+    CHECK(s_iFreed == s_iTaken);
+    CHECK(s_iWrongFlags == 0);
 }
 
 TEST_CASE("using a thread's variable leaves the last error alone", "[support][tls]")

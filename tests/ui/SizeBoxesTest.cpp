@@ -111,6 +111,18 @@ TEST_CASE_METHOD(SizeFixture, "a size of exactly the least is not below it", "[u
                  {{L"wide", 300, 3000, 2000}, {L"wider", 301, 4000, 2000}}, L"400", L"200") == L"wide");
 }
 
+TEST_CASE_METHOD(SizeFixture, "a size less than a tenth beyond a limit is beyond it", "[ui][settings]")
+{
+    CHECK(Search({{L"MinExtent", Extent(2000, 100)}, {L"MaxExtent", Extent(5000, 5000)}},
+                 {{L"least", 300, 2000, 2000}, {L"typed", 301, 1850, 2000}}, L"185", L"200") == L"least");
+    CHECK(Search({{L"MinExtent", Extent(100, 100)}, {L"MaxExtent", Extent(4000, 5000)}},
+                 {{L"most", 300, 4000, 2000}, {L"typed", 301, 4300, 2000}}, L"430", L"200") == L"most");
+    CHECK(Search({{L"MinExtent", Extent(100, 2000)}, {L"MaxExtent", Extent(5000, 5000)}},
+                 {{L"least", 300, 2000, 2000}, {L"typed", 301, 2000, 1850}}, L"200", L"185") == L"least");
+    CHECK(Search({{L"MinExtent", Extent(100, 100)}, {L"MaxExtent", Extent(5000, 3000)}},
+                 {{L"most", 300, 3000, 2000}, {L"typed", 301, 3300, 2000}}, L"330", L"200") == L"most");
+}
+
 TEST_CASE_METHOD(SizeFixture, "the greatest size is asked for in front of the least, and both in front of the search",
                  "[ui][settings][log]")
 {
