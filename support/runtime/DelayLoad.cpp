@@ -63,11 +63,12 @@ bool IsRedirected(const wchar_t* pszLibrary)
 /// @return null, and the last error, when it can't be had.
 HMODULE LoadFromSystem(const char* pszLibrary)
 {
-    wchar_t szPath[MAX_PATH + 64];
+    constexpr size_t kNameUnits = 64; // the names in cmake/DelayLoad.cmake are shorter, and ASCII
+    wchar_t szPath[MAX_PATH + kNameUnits] = {};
     const UINT cchFolder = GetSystemDirectoryW(szPath, MAX_PATH);
     szPath[cchFolder] = L'\\';
     wchar_t* const pszName = szPath + cchFolder + 1;
-    std::copy_n(pszLibrary, std::strlen(pszLibrary) + 1, pszName); // out of cmake/DelayLoad.cmake: short, and ASCII
+    std::copy_n(pszLibrary, strnlen(pszLibrary, kNameUnits - 1), pszName);
     // By its full path: by its name alone a library of that name which the application has loaded would be taken. A
     // redirection is only looked for by the name.
     return LoadLibraryExW(IsRedirected(pszName) ? pszName : szPath, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);

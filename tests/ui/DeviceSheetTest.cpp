@@ -3,11 +3,10 @@
 #include "tests/common/ChildCase.h"
 #include "tests/common/ImportHook.h"
 #include "tests/common/LogLines.h"
+#include "tests/common/ModuleLedger.h"
 #include "tests/driver/SheetCalls.h"
 
 #include <catch2/catch_test_macros.hpp>
-
-#include <set>
 
 namespace
 {
@@ -41,26 +40,6 @@ void* FailPageMalloc(size_t uiSize)
         return nullptr;
     }
     return Platform<void*(size_t)>(L"msvcrt", "malloc")(uiSize);
-}
-
-int s_iDescriptions = 0;        // that were taken
-std::set<void*> s_descriptions; // that were not given back
-
-void* NotePageMalloc(size_t uiSize)
-{
-    void* const pv = Platform<void*(size_t)>(L"msvcrt", "malloc")(uiSize);
-    if (uiSize == sizeof(PROPSHEETPAGEW))
-    {
-        ++s_iDescriptions;
-        s_descriptions.insert(pv);
-    }
-    return pv;
-}
-
-void NoteFree(void* pv)
-{
-    s_descriptions.erase(pv);
-    Platform<void(void*)>(L"msvcrt", "free")(pv);
 }
 
 } // namespace
@@ -125,15 +104,12 @@ TEST_CASE_METHOD(DeviceFixture, "a device sheet without memory for its page fail
 TEST_CASE_METHOD(DeviceFixture, "a refused page's description is given back", "[driver][device]")
 {
     calls.taker.uiRefused = 1;
-    s_iDescriptions = 0;
-    s_descriptions.clear();
-    {
-        const ImportHook takeHook(module.handle, "malloc", &NotePageMalloc);
-        const ImportHook giveHook(module.handle, "free", &NoteFree);
-        CHECK(calls.Call(PROPSHEETUI_REASON_INIT) == -1);
-    }
-    CHECK(s_iDescriptions > 0);
-    CHECK(s_descriptions.empty());
+    CHECK(calls.Call(PROPSHEETUI_REASON_INIT) == -1); // what a thread keeps is made
+    calls.taker.calls.clear();
+    const ModuleLedger ledger(module.handle);
+    CHECK(calls.Call(PROPSHEETUI_REASON_INIT) == -1);
+    CHECK(calls.taker.calls.size() == 1);
+    CHECK(ledger.Blocks() == 0);
 }
 
 TEST_CASE_METHOD(LoggedDeviceFixture, "a device sheet's calls log their reasons", "[driver][device][log]")
